@@ -1,0 +1,101 @@
+// The process-wide console: its own screen model, the escape interpreter that
+// PRINT output goes through, the plain path for the system's messages, and the
+// line reader with its template editor.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+class ConsoleBackend;
+class KeySource;
+class LineEditor;
+
+class Console {
+ public:
+  // Line reader results below zero.
+  static constexpr int kBreakRead = -1;   // Ctrl+C while waiting; run error set to 4010
+  static constexpr int kTimedOut = -2;    // the timed variant's deadline passed
+  static constexpr int kEndOfInput = -3;  // standard input is exhausted
+  static constexpr int kLineMax = 2047;   // characters a line may hold
+
+  Console(std::unique_ptr<ConsoleBackend> out, std::unique_ptr<KeySource> in);
+  ~Console();
+
+  // Escape-aware put, used by PRINT and PRINT USING.
+  void PutEsc(char c);
+  void WriteEsc(std::string_view text);
+  // Plain put, used for the system's own messages, listings and help.
+  void PutPlain(char c);
+  void Write(std::string_view text);
+  // Formats into a 260-character buffer and writes it through the plain put.
+  void Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+  int Column() const;  // characters written since the last carriage return
+  int Width() const;   // line width for PRINT; 0 is unlimited
+  void SetWidth(int width);
+  int CursorX() const;  // the model cursor's true column
+  int CursorY() const;
+  uint16_t Attribute() const { return attr_; }
+  int Columns() const { return cols_; }
+  int Rows() const { return rows_; }
+  ConsoleBackend& Backend() { return *out_; }
+
+  void Cls();              // blank the screen, home the cursor, show it
+  void RestoreDefaults();  // default attribute and visible cursor, at the end of a run
+  void SetTitle(const char* title);
+  void Flush();  // push buffered output to the terminal or stream
+
+  // Reads one line into line (room for kLineMax + 1 bytes, NUL-terminated) and
+  // returns its length, or one of the negative results above.
+  int ReadLine(char* line);
+  int ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds);
+
+ private:
+  enum EscState : uint8_t { kPlain, kAfterEsc, kAfterBracket, kParams, kAddress };
+  friend class LineEditor;
+
+  void Draw(char c);
+  void NewLine();
+  void LineDown();
+  void CursorLeftWrap();
+  void ClearScreen();
+  void Erase(int x, int y, long count);
+  void EscAfterEsc(char c);
+  void EscAfterBracket(char c);
+  void EscParams(char c);
+  void EscAddress(char c);
+  void ApplyAttributes();
+  void CheckResize();
+  int ReadLineUntil(char* line, int64_t deadlineMs);  // deadline < 0: none
+
+  std::unique_ptr<ConsoleBackend> out_;
+  std::unique_ptr<KeySource> in_;
+  std::unique_ptr<LineEditor> editor_;
+  int width_ = 72;
+  int column_ = 0;
+  int cols_ = 80;
+  int rows_ = 25;
+  int x_ = 0;
+  int y_ = 0;
+  uint16_t defAttr_ = 0x07;
+  uint16_t attr_ = 0x07;
+  bool reverse_ = false;
+  bool scroll_ = true;
+  EscState esc_ = kPlain;
+  uint8_t nDigits_ = 0;
+  uint8_t nParams_ = 0;
+  uint8_t nAddr_ = 0;
+  char digits_[5] = {};
+  char addr_[7] = {};
+  uint16_t params_[12] = {};
+};
+
+// The console every part of the program writes to.
+Console& TheConsole();
+// Installs a console (main at start-up, tests with memory back ends); returns the old one.
+std::unique_ptr<Console> InstallConsole(std::unique_ptr<Console> console);
+// Builds the console for this process: terminal or stream output, terminal or piped input.
+std::unique_ptr<Console> MakeProcessConsole();
+// For tests: stream output appended to *out, input read as piped lines from input.
+std::unique_ptr<Console> MakeStringConsole(std::string* out, std::string_view input);

@@ -1,0 +1,48 @@
+// The template editor: the last line entered is kept, and function keys copy from it.
+#pragma once
+#include <cstdint>
+
+#include "console/console.h"
+
+namespace key {
+constexpr int kEnter = 13;
+constexpr int kEscape = 27;
+constexpr int kBackspace = 8;
+constexpr int kPrefixed = 256;  // an unknown prefixed key: ignored
+constexpr int kF1 = 315, kF2 = 316, kF3 = 317, kF4 = 318, kF5 = 319;
+constexpr int kLeft = 331, kRight = 333, kIns = 338, kDel = 339;
+}  // namespace key
+
+class LineEditor final {
+ public:
+  explicit LineEditor(Console& con) : con_(con) {}
+
+  void Start(char* line);
+  // Handles one key; true when it ended the line (its length is then Length()).
+  bool Handle(int key);
+  int Length() const { return len_; }
+  // Enters a whole line as if typed: echo, then Enter.
+  void Enter(const char* text, int n);
+
+ private:
+  void Append(char c);
+  void CopyOne();
+  void Search(int key);
+  void AdvanceTemplate() {
+    if (pos_ < tlen_) ++pos_;
+  }
+  void Finish(bool keepEmpty);
+
+  Console& con_;
+  char* line_ = nullptr;
+  int len_ = 0;
+  char template_[Console::kLineMax + 1] = {};
+  int tlen_ = 0;
+  int pos_ = 0;
+  int anchor_ = 0;
+  bool full_ = false;
+  bool insert_ = false;
+  int searching_ = 0;  // F2 or F4 while their search key is awaited
+  char lastF2_ = 0;
+  char lastF4_ = 0;
+};

@@ -1,0 +1,213 @@
+#include <chrono>
+#include <cstring>
+
+#include "console/console.h"
+#include "console/console_backend.h"
+#include "console/key_source.h"
+#include "console/line_editor.h"
+#include "platform/break_flag.h"
+#include "shell/errors.h"
+
+void LineEditor::Start(char* line) {
+  line_ = line;
+  len_ = 0;
+  line_[0] = '\0';
+  full_ = false;
+  insert_ = false;
+  searching_ = 0;
+  pos_ = 0;
+  anchor_ = 0;
+}
+
+void LineEditor::Append(char c) {
+  if (len_ < Console::kLineMax) {
+    con_.PutPlain(c);
+    line_[len_++] = c;
+  } else if (!full_) {
+    full_ = true;
+    con_.PutPlain('\a');
+    con_.PutPlain('\b');
+  }
+}
+
+void LineEditor::CopyOne() {
+  if (pos_ >= tlen_) return;
+  unsigned char c = static_cast<unsigned char>(template_[pos_]);
+  if (c >= 32 && c <= 127) Append(static_cast<char>(c));
+  ++pos_;
+}
+
+void LineEditor::Finish(bool keepEmpty) {
+  line_[len_] = '\0';
+  if (len_ > 0 || keepEmpty) {
+    std::memcpy(template_, line_, static_cast<size_t>(len_));
+    tlen_ = len_;
+  }
+}
+
+void LineEditor::Search(int key) {
+  int which = searching_;
+  searching_ = 0;
+  char& last = which == key::kF2 ? lastF2_ : lastF4_;
+  char target;
+  if (key == which)
+    target = last;
+  else if (key >= key::kPrefixed || key < 0)
+    return;  // another prefixed key cancels the search
+  else
+    target = static_cast<char>(key);
+  last = target;
+  int found = -1;
+  for (int i = pos_ + 1; i < tlen_; ++i)
+    if (template_[i] == target) {
+      found = i;
+      break;
+    }
+  if (found < 0) return;
+  if (which == key::kF2)
+    while (pos_ < found) CopyOne();
+  else
+    pos_ = found;
+}
+
+bool LineEditor::Handle(int k) {
+  if (searching_) {
+    Search(k);
+    return false;
+  }
+  switch (k) {
+    case key::kEnter:
+      con_.PutPlain('\n');
+      Finish(false);
+      insert_ = false;
+      return true;
+    case key::kEscape:
+      con_.Write("@\n");
+      len_ = 0;
+      insert_ = false;
+      pos_ = anchor_ = 0;
+      return false;
+    case key::kBackspace:
+    case key::kLeft:
+      if (len_ == 0) return false;
+      if (full_) {
+        con_.PutPlain(' ');
+        con_.PutPlain('\b');
+        full_ = false;
+      }
+      --len_;
+      con_.Write("\b \b");
+      if (pos_ > anchor_) --pos_;
+      return false;
+    case key::kF1:
+    case key::kRight:
+      CopyOne();
+      return false;
+    case key::kF2:
+    case key::kF4:
+      searching_ = k;
+      return false;
+    case key::kF3:
+      while (pos_ < tlen_) CopyOne();
+      return false;
+    case key::kF5:
+      con_.Write("@\n");
+      Finish(true);
+      // The line stays as typed; the copy keys go on after it.
+      pos_ = len_;
+      anchor_ = 0;
+      return false;
+    case key::kIns:
+      insert_ = !insert_;
+      return false;
+    case key::kDel:
+      if (pos_ < tlen_) ++pos_, ++anchor_;
+      return false;
+    default:
+      break;
+  }
+  if (k >= 32 && k <= 127) {
+    Append(static_cast<char>(k));
+    AdvanceTemplate();
+  } else if (k >= 0 && k < 256) {
+    AdvanceTemplate();  // other controls and 128-255 only move through the template
+  }
+  return false;
+}
+
+void LineEditor::Enter(const char* text, int n) {
+  for (int i = 0; i < n; ++i) {
+    con_.PutPlain(text[i]);
+    line_[i] = text[i];
+  }
+  len_ = n;
+  con_.PutPlain('\n');
+  Finish(false);
+}
+
+namespace {
+int64_t NowMs() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+constexpr int kPollMs = 50;
+}  // namespace
+
+int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
+  Flush();
+  editor_->Start(line);
+  in_->BeginLine();
+  int result;
+  for (;;) {
+    if (TestAndClearBreak()) {
+      SetRunError(kBreak);
+      result = kBreakRead;
+      break;
+    }
+    int wait = kPollMs;
+    if (deadlineMs >= 0) {
+      int64_t left = deadlineMs - NowMs();
+      if (left <= 0) {
+        result = kTimedOut;
+        break;
+      }
+      if (left < wait) wait = static_cast<int>(left);
+    }
+    if (in_->DeliversLines()) {
+      int n = in_->WaitLine(line, wait);
+      if (n == KeySource::kNone) continue;
+      if (n == KeySource::kEnd) {
+        result = kEndOfInput;
+        break;
+      }
+      editor_->Enter(line, n);
+      result = n;
+      break;
+    }
+    int k = in_->WaitKey(wait);
+    if (k == KeySource::kNone) continue;
+    if (k == KeySource::kEnd) {
+      result = kEndOfInput;
+      break;
+    }
+    if (editor_->Handle(k)) {
+      result = editor_->Length();
+      break;
+    }
+    Flush();
+  }
+  if (result < 0) line[0] = '\0';
+  in_->EndLine();
+  Flush();
+  return result;
+}
+
+int Console::ReadLine(char* line) { return ReadLineUntil(line, -1); }
+
+int Console::ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds) {
+  int64_t start = NowMs();
+  int n = ReadLineUntil(line, start + static_cast<int64_t>(seconds) * 1000);
+  if (n >= 0 && elapsedSeconds)
+    *elapsedSeconds = static_cast<unsigned>((NowMs() - start) / 1000 + 1);
+  return n;
+}

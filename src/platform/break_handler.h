@@ -1,0 +1,4 @@
+#pragma once
+
+// Ctrl+C (SIGINT) sets the break flag and does nothing else.
+void InstallBreakHandler();
