@@ -27,13 +27,46 @@ struct KeySeq {
   int code;
 };
 
+// The terminal's own key sequences, read once: the terminfo entry stays loaded for good.
+const std::vector<KeySeq>& TerminfoKeys([[maybe_unused]] int fd) {
+  static const std::vector<KeySeq> keys = [fd] {
+    std::vector<KeySeq> seqs;
+#ifdef HAVE_TERMINFO
+    int err = 0;
+    if (setupterm(nullptr, fd, &err) != 0) return seqs;
+    static const struct {
+      const char* cap;
+      int code;
+    } kCaps[] = {{"kf1", key::kF1},      {"kf2", key::kF2},    {"kf3", key::kF3},
+                 {"kf4", key::kF4},      {"kf5", key::kF5},    {"kcub1", key::kLeft},
+                 {"kcuf1", key::kRight}, {"kich1", key::kIns}, {"kdch1", key::kDel}};
+    for (const auto& c : kCaps) {
+      char* s = tigetstr(const_cast<char*>(c.cap));
+      if (s && s != reinterpret_cast<char*>(-1) && s[0] == '\x1b' && s[1])
+        seqs.push_back({s, c.code});
+    }
+    // Terminals send the application-mode form too; accept ESC [ and ESC O alike.
+    size_t n = seqs.size();
+    for (size_t i = 0; i < n; ++i) {
+      std::string alt = seqs[i].bytes;
+      if (alt.size() == 3 && (alt[1] == 'O' || alt[1] == '[')) {
+        alt[1] = alt[1] == 'O' ? '[' : 'O';
+        seqs.push_back({alt, seqs[i].code});
+      }
+    }
+#endif
+    return seqs;
+  }();
+  return keys;
+}
+
 class TerminalKeys final : public KeySource {
  public:
   explicit TerminalKeys(int fd) : fd_(fd) {
     RegisterTerminalInput(fd);
     termios t;
     if (tcgetattr(fd, &t) == 0) erase_ = t.c_cc[VERASE];
-    LoadTerminfo();
+    seqs_ = TerminfoKeys(fd);
     static const KeySeq kFallbacks[] = {
         {"\x1bOP", key::kF1},    {"\x1bOQ", key::kF2},   {"\x1bOR", key::kF3},
         {"\x1bOS", key::kF4},    {"\x1b[11~", key::kF1}, {"\x1b[12~", key::kF2},
@@ -65,33 +98,6 @@ class TerminalKeys final : public KeySource {
   }
 
  private:
-  void LoadTerminfo() {
-#ifdef HAVE_TERMINFO
-    int err = 0;
-    if (setupterm(nullptr, fd_, &err) != 0) return;
-    static const struct {
-      const char* cap;
-      int code;
-    } kCaps[] = {{"kf1", key::kF1},      {"kf2", key::kF2},    {"kf3", key::kF3},
-                 {"kf4", key::kF4},      {"kf5", key::kF5},    {"kcub1", key::kLeft},
-                 {"kcuf1", key::kRight}, {"kich1", key::kIns}, {"kdch1", key::kDel}};
-    for (const auto& c : kCaps) {
-      char* s = tigetstr(const_cast<char*>(c.cap));
-      if (s && s != reinterpret_cast<char*>(-1) && s[0] == '\x1b' && s[1])
-        seqs_.push_back({s, c.code});
-    }
-    // Terminals send the application-mode form too; accept ESC [ and ESC O alike.
-    size_t n = seqs_.size();
-    for (size_t i = 0; i < n; ++i) {
-      std::string alt = seqs_[i].bytes;
-      if (alt.size() == 3 && (alt[1] == 'O' || alt[1] == '[')) {
-        alt[1] = alt[1] == 'O' ? '[' : 'O';
-        seqs_.push_back({alt, seqs_[i].code});
-      }
-    }
-#endif
-  }
-
   // Reads what is there within timeoutMs: bytes added, 0 at end of input, -1 for none.
   int Fill(int timeoutMs) {
     pollfd pfd{fd_, POLLIN, 0};
