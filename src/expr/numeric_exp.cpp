@@ -1,0 +1,604 @@
+#include "expr/numeric_exp.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "shell/program.h"
+
+void Appendf(std::string& out, const char* format, ...) {
+  char buf[260];
+  va_list args;
+  va_start(args, format);
+  int n = std::vsnprintf(buf, sizeof buf, format, args);
+  va_end(args);
+  if (n > 0) out.append(buf, std::min<size_t>(static_cast<size_t>(n), sizeof buf - 1));
+}
+
+namespace {
+
+float Truth(bool value) { return value ? 1.0f : 0.0f; }
+
+class NumericLit final : public NumericExp {
+ public:
+  explicit NumericLit(float value) : value_(value) {}
+  int Kind() const override { return kLiteral; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { Appendf(out, "%.15lG", double{value_}); }
+  float Evaluate() override { return value_; }
+  float value() const { return value_; }
+
+ private:
+  float value_;
+};
+
+// Keeps the user's parentheses, so a listing reads as typed.
+class Primary final : public NumericExp {
+ public:
+  explicit Primary(NumericExpPtr inner) : inner_(std::move(inner)) {}
+  int Kind() const override { return kParens; }
+  size_t Size() const override { return sizeof *this + inner_->Size(); }
+  void List(std::string& out) const override {
+    out += '(';
+    inner_->List(out);
+    out += ')';
+  }
+  float Evaluate() override { return inner_->Evaluate(); }
+
+ private:
+  NumericExpPtr inner_;
+};
+
+class Not final : public NumericExp {
+ public:
+  explicit Not(NumericExpPtr operand) : operand_(std::move(operand)) {}
+  int Kind() const override { return static_cast<int>(tok::kNot); }
+  size_t Size() const override { return sizeof *this + operand_->Size(); }
+  void List(std::string& out) const override {
+    out += " NOT ";
+    operand_->List(out);
+  }
+  float Evaluate() override { return Truth(operand_->Evaluate() == 0.0f); }
+
+ private:
+  NumericExpPtr operand_;
+};
+
+class Negate final : public NumericExp {
+ public:
+  explicit Negate(NumericExpPtr operand) : operand_(std::move(operand)) {}
+  int Kind() const override { return kNegate; }
+  size_t Size() const override { return sizeof *this + operand_->Size(); }
+  void List(std::string& out) const override {
+    out += '-';
+    operand_->List(out);
+  }
+  float Evaluate() override { return -operand_->Evaluate(); }
+
+ private:
+  NumericExpPtr operand_;
+};
+
+// Operator traits: kind code, listing text, which operand is evaluated first.
+struct FactorOp {
+  static constexpr TokenCode kKind = tok::kCaret;
+  static constexpr const char* kText = "^";
+  static constexpr bool kRightFirst = true;
+  static float Apply(float a, float b) {
+    return static_cast<float>(std::pow(double{a}, double{b}));
+  }
+};
+struct MultiplyOp {
+  static constexpr TokenCode kKind = tok::kStar;
+  static constexpr const char* kText = "*";
+  static constexpr bool kRightFirst = true;
+  static float Apply(float a, float b) { return a * b; }
+};
+struct DivideOp {
+  static constexpr TokenCode kKind = tok::kSlash;
+  static constexpr const char* kText = "/";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return a / b; }
+};
+struct ModOp {
+  static constexpr TokenCode kKind = tok::kMod;
+  static constexpr const char* kText = " MOD ";
+  static constexpr bool kRightFirst = true;
+  static float Apply(float a, float b) {
+    return static_cast<float>(std::fmod(double{a}, double{b}));
+  }
+};
+struct DivOp {
+  static constexpr TokenCode kKind = tok::kDiv;
+  static constexpr const char* kText = " DIV ";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return static_cast<float>(std::floor(double{a / b})); }
+};
+struct AddOp {
+  static constexpr TokenCode kKind = tok::kPlus;
+  static constexpr const char* kText = "+";
+  static constexpr bool kRightFirst = true;
+  static float Apply(float a, float b) { return a + b; }
+};
+struct SubtractOp {
+  static constexpr TokenCode kKind = tok::kMinus;
+  static constexpr const char* kText = "-";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return a - b; }
+};
+struct MinOp {
+  static constexpr TokenCode kKind = tok::kMin;
+  static constexpr const char* kText = " MIN ";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return b < a ? b : a; }
+};
+struct MaxOp {
+  static constexpr TokenCode kKind = tok::kMax;
+  static constexpr const char* kText = " MAX ";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return b > a ? b : a; }
+};
+struct EqOp {
+  static constexpr TokenCode kKind = tok::kEQ;
+  static constexpr const char* kText = "=";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth(a == b); }
+};
+struct NeOp {
+  static constexpr TokenCode kKind = tok::kNE;
+  static constexpr const char* kText = "<>";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth(!(a == b)); }
+};
+struct LtOp {
+  static constexpr TokenCode kKind = tok::kLT;
+  static constexpr const char* kText = "<";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth(a < b); }
+};
+struct LeOp {
+  static constexpr TokenCode kKind = tok::kLE;
+  static constexpr const char* kText = "<=";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth(a <= b); }
+};
+struct GtOp {
+  static constexpr TokenCode kKind = tok::kGT;
+  static constexpr const char* kText = ">";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth(a > b); }
+};
+struct GeOp {
+  static constexpr TokenCode kKind = tok::kGE;
+  static constexpr const char* kText = ">=";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth(a >= b); }
+};
+struct XorOp {
+  static constexpr TokenCode kKind = tok::kXor;
+  static constexpr const char* kText = " XOR ";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth((a != 0.0f) != (b != 0.0f)); }
+};
+struct EqvOp {
+  static constexpr TokenCode kKind = tok::kEqv;
+  static constexpr const char* kText = " EQV ";
+  static constexpr bool kRightFirst = false;
+  static float Apply(float a, float b) { return Truth((a != 0.0f) == (b != 0.0f)); }
+};
+
+// A binary operator node over two subtrees.
+template <typename Op>
+class Binary final : public NumericExp {
+ public:
+  Binary(NumericExpPtr left, NumericExpPtr right)
+      : left_(std::move(left)), right_(std::move(right)) {}
+  int Kind() const override { return static_cast<int>(Op::kKind); }
+  size_t Size() const override { return sizeof *this + left_->Size() + right_->Size(); }
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += Op::kText;
+    right_->List(out);
+  }
+  float Evaluate() override {
+    if constexpr (Op::kRightFirst) {
+      float right = right_->Evaluate();
+      return Op::Apply(left_->Evaluate(), right);
+    } else {
+      float left = left_->Evaluate();
+      return Op::Apply(left, right_->Evaluate());
+    }
+  }
+
+ private:
+  NumericExpPtr left_;
+  NumericExpPtr right_;
+};
+
+// The same operator with a literal right operand folded in at parse time.
+template <typename Op>
+class BinaryEC final : public NumericExp {
+ public:
+  BinaryEC(NumericExpPtr left, float constant) : left_(std::move(left)), constant_(constant) {}
+  int Kind() const override { return static_cast<int>(Op::kKind); }
+  size_t Size() const override { return sizeof *this + left_->Size(); }
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += Op::kText;
+    Appendf(out, "%.15lg", double{constant_});
+  }
+  float Evaluate() override { return Op::Apply(left_->Evaluate(), constant_); }
+
+ private:
+  NumericExpPtr left_;
+  float constant_;
+};
+
+using Factor = Binary<FactorOp>;
+using Multiply = Binary<MultiplyOp>;
+using Divide = Binary<DivideOp>;
+using Mod = Binary<ModOp>;
+using Div = Binary<DivOp>;
+using Add = Binary<AddOp>;
+using Subtract = Binary<SubtractOp>;
+using Min = Binary<MinOp>;
+using Max = Binary<MaxOp>;
+using ExclusiveXOR = Binary<XorOp>;
+using ExclusiveEQV = Binary<EqvOp>;
+
+// The short-circuit operators.
+class Conjunction final : public NumericExp {
+ public:
+  Conjunction(NumericExpPtr left, NumericExpPtr right)
+      : left_(std::move(left)), right_(std::move(right)) {}
+  int Kind() const override { return static_cast<int>(tok::kAnd); }
+  size_t Size() const override { return sizeof *this + left_->Size() + right_->Size(); }
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += " AND ";
+    right_->List(out);
+  }
+  float Evaluate() override {
+    if (left_->Evaluate() == 0.0f) return 0.0f;
+    return Truth(right_->Evaluate() != 0.0f);
+  }
+
+ private:
+  NumericExpPtr left_, right_;
+};
+
+class Disjunction final : public NumericExp {
+ public:
+  Disjunction(NumericExpPtr left, NumericExpPtr right)
+      : left_(std::move(left)), right_(std::move(right)) {}
+  int Kind() const override { return static_cast<int>(tok::kOr); }
+  size_t Size() const override { return sizeof *this + left_->Size() + right_->Size(); }
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += " OR ";
+    right_->List(out);
+  }
+  float Evaluate() override {
+    if (left_->Evaluate() != 0.0f) return 1.0f;
+    return Truth(right_->Evaluate() != 0.0f);
+  }
+
+ private:
+  NumericExpPtr left_, right_;
+};
+
+// Listed "IMP " without a leading blank, so A IMP B reads AIMP B.
+class ExclusiveIMP final : public NumericExp {
+ public:
+  ExclusiveIMP(NumericExpPtr left, NumericExpPtr right)
+      : left_(std::move(left)), right_(std::move(right)) {}
+  int Kind() const override { return static_cast<int>(tok::kImp); }
+  size_t Size() const override { return sizeof *this + left_->Size() + right_->Size(); }
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += "IMP ";
+    right_->List(out);
+  }
+  float Evaluate() override {
+    if (left_->Evaluate() == 0.0f) return 1.0f;
+    return Truth(right_->Evaluate() != 0.0f);
+  }
+
+ private:
+  NumericExpPtr left_, right_;
+};
+
+// --- Parser.
+
+// Literal right operands fold into the EC form of the operator.
+template <typename Op>
+NumericExpPtr Fold(NumericExpPtr left, NumericExpPtr right) {
+  if (right->Kind() == NumericExp::kLiteral)
+    return std::make_unique<BinaryEC<Op>>(std::move(left),
+                                          static_cast<NumericLit&>(*right).value());
+  return std::make_unique<Binary<Op>>(std::move(left), std::move(right));
+}
+
+NumericExpPtr ParseSubterm(Program& p);
+NumericExpPtr ParseRelation(Program& p);
+NumericExpPtr AndTail(Program& p, NumericExpPtr left);
+NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left);
+NumericExpPtr OrTail(Program& p, NumericExpPtr left);
+
+NumericExpPtr FactorTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    TokenCode op = p.GetToken();
+    if (op != tok::kCaret && op != tok::kPower) {
+      p.BackUp();
+      SetParseError(0);
+      return left;
+    }
+    NumericExpPtr right = ParseNumericPrimary(p);
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    left = Fold<FactorOp>(std::move(left), std::move(right));
+  }
+}
+
+NumericExpPtr TermTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    TokenCode op = p.GetToken();
+    if (op != tok::kStar && op != tok::kSlash && op != tok::kMod && op != tok::kDiv) {
+      p.BackUp();
+      SetParseError(0);
+      return left;
+    }
+    NumericExpPtr right = ParseSubterm(p);
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    switch (op) {
+      case tok::kStar:
+        left = Fold<MultiplyOp>(std::move(left), std::move(right));
+        break;
+      case tok::kSlash:
+        left = Fold<DivideOp>(std::move(left), std::move(right));
+        break;
+      case tok::kMod:
+        left = std::make_unique<Mod>(std::move(left), std::move(right));
+        break;
+      default:
+        left = std::make_unique<Div>(std::move(left), std::move(right));
+        break;
+    }
+  }
+}
+
+NumericExpPtr SumTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    TokenCode op = p.GetToken();
+    if (op != tok::kPlus && op != tok::kMinus) {
+      p.BackUp();
+      return left;
+    }
+    NumericExpPtr right = ParseSubterm(p);
+    if (right) right = TermTail(p, std::move(right));
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    left = op == tok::kPlus ? Fold<AddOp>(std::move(left), std::move(right))
+                            : Fold<SubtractOp>(std::move(left), std::move(right));
+  }
+}
+
+// Subterm, term tail and sum tail: the operand of MIN, MAX and relations.
+NumericExpPtr ParseSumLevel(Program& p) {
+  NumericExpPtr e = ParseSubterm(p);
+  if (e) e = TermTail(p, std::move(e));
+  if (e) e = SumTail(p, std::move(e));
+  return e;
+}
+
+NumericExpPtr MinMaxTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    TokenCode op = p.GetToken();
+    if (op != tok::kMin && op != tok::kMax) {
+      p.BackUp();
+      return left;
+    }
+    NumericExpPtr right = ParseSumLevel(p);
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    if (op == tok::kMin)
+      left = std::make_unique<Min>(std::move(left), std::move(right));
+    else
+      left = std::make_unique<Max>(std::move(left), std::move(right));
+  }
+}
+
+NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
+  size_t mark = p.Mark();
+  TokenCode op = p.GetToken();
+  if (tok::Category(op) != tok::kRelation) {
+    p.BackUp();
+    return left;
+  }
+  NumericExpPtr right = ParseSumLevel(p);
+  if (right) right = MinMaxTail(p, std::move(right));
+  if (!right) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  switch (op) {
+    case tok::kEQ:
+      left = Fold<EqOp>(std::move(left), std::move(right));
+      break;
+    case tok::kNE:
+    case tok::kHash:
+      left = Fold<NeOp>(std::move(left), std::move(right));
+      break;
+    case tok::kLT:
+      left = Fold<LtOp>(std::move(left), std::move(right));
+      break;
+    case tok::kLE:
+      left = Fold<LeOp>(std::move(left), std::move(right));
+      break;
+    case tok::kGT:
+      left = Fold<GtOp>(std::move(left), std::move(right));
+      break;
+    case tok::kGE:
+      left = Fold<GeOp>(std::move(left), std::move(right));
+      break;
+    default:
+      SetParseError(48);
+      p.Restore(mark);
+      return nullptr;
+  }
+  // One comparison only: a second relational operator is left for the statement.
+  return OrTail(p, std::move(left));
+}
+
+NumericExpPtr ParseRelation(Program& p) {
+  size_t mark = p.Mark();
+  NumericExpPtr e = ParseSumLevel(p);
+  if (e) e = MinMaxTail(p, std::move(e));
+  if (e) e = RelationTail(p, std::move(e));
+  if (e) return e;
+  ErrorCode numericError = g_err.parse;
+  p.Restore(mark);
+  if (StringExpPtr left = ParseStringExp(p)) {
+    if (NumericExpPtr relation = ParseStringRelationTail(p, std::move(left))) return relation;
+  }
+  p.Restore(mark);
+  if (!g_err.parse) SetParseError(numericError);
+  return nullptr;
+}
+
+NumericExpPtr AndTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    if (!p.Accept(tok::kAnd)) return left;
+    NumericExpPtr right = ParseRelation(p);
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    left = std::make_unique<Conjunction>(std::move(left), std::move(right));
+  }
+}
+
+NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    TokenCode op = p.GetToken();
+    if (op != tok::kXor && op != tok::kEqv && op != tok::kImp) {
+      p.BackUp();
+      return left;
+    }
+    NumericExpPtr right = ParseRelation(p);
+    if (right) right = AndTail(p, std::move(right));
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    if (op == tok::kXor)
+      left = std::make_unique<ExclusiveXOR>(std::move(left), std::move(right));
+    else if (op == tok::kEqv)
+      left = std::make_unique<ExclusiveEQV>(std::move(left), std::move(right));
+    else
+      left = std::make_unique<ExclusiveIMP>(std::move(left), std::move(right));
+  }
+}
+
+NumericExpPtr OrTail(Program& p, NumericExpPtr left) {
+  for (;;) {
+    size_t mark = p.Mark();
+    if (!p.Accept(tok::kOr)) return left;
+    NumericExpPtr right = ParseRelation(p);
+    if (right) right = AndTail(p, std::move(right));
+    if (right) right = ExclusiveTail(p, std::move(right));
+    if (!right) {
+      p.Restore(mark);
+      return nullptr;
+    }
+    left = std::make_unique<Disjunction>(std::move(left), std::move(right));
+  }
+}
+
+NumericExpPtr ParseSubterm(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode op = p.GetToken();
+  if (op != tok::kNot && op != tok::kMinus && op != tok::kPlus) p.BackUp();
+  NumericExpPtr e = ParseNumericPrimary(p);
+  if (e) e = FactorTail(p, std::move(e));
+  if (!e) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  if (op == tok::kNot) return std::make_unique<Not>(std::move(e));
+  if (op == tok::kMinus) return std::make_unique<Negate>(std::move(e));
+  return e;
+}
+
+// Parentheses nest through the whole grammar; past this depth a line is
+// refused rather than risking the native stack.
+constexpr int kMaxNesting = 400;
+int g_nesting = 0;
+
+}  // namespace
+
+NumericExpPtr MakeNumericLit(float value) { return std::make_unique<NumericLit>(value); }
+
+NumericExpPtr ParseNumericPrimary(Program& p) {
+  float value;
+  if (p.AcceptConstant(&value)) return std::make_unique<NumericLit>(value);
+  switch (tok::Category(p.Peek())) {
+    case tok::kNumFunc:
+      return ParseNumericFunction(p);
+    case tok::kNumUserFn:
+      return ParseNumericUserCall(p);
+    case tok::kNumVar:
+    case tok::kNumArray:
+      return ParseNumericVar(p);
+    default:
+      break;
+  }
+  size_t mark = p.Mark();
+  if (!p.Accept(tok::kLParen)) return nullptr;
+  if (g_nesting >= kMaxNesting) {
+    SetParseError(35);
+    p.Restore(mark);
+    return nullptr;
+  }
+  ++g_nesting;
+  NumericExpPtr inner = ParseNumericExp(p);
+  --g_nesting;
+  if (!inner) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  if (!p.Accept(tok::kRParen)) {
+    SetParseError(29);
+    p.Restore(mark);
+    return nullptr;
+  }
+  return std::make_unique<Primary>(std::move(inner));
+}
+
+NumericExpPtr ParseNumericSum(Program& p) {
+  NumericExpPtr e = ParseSumLevel(p);
+  if (e) e = MinMaxTail(p, std::move(e));
+  return e;
+}
+
+NumericExpPtr ParseNumericExp(Program& p) {
+  NumericExpPtr e = ParseRelation(p);
+  if (e) e = AndTail(p, std::move(e));
+  if (e) e = ExclusiveTail(p, std::move(e));
+  if (e) e = OrTail(p, std::move(e));
+  return e;
+}

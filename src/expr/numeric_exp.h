@@ -1,0 +1,44 @@
+// Numeric expression trees: parsed once, listed back, evaluated in 32-bit floats.
+#pragma once
+#include <cstdarg>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "lex/token.h"
+
+class Program;
+
+class NumericExp {
+ public:
+  // Kind codes of the nodes that are no operator.
+  static constexpr int kLiteral = 22;
+  static constexpr int kParens = 23;
+  static constexpr int kNegate = 24;
+
+  virtual ~NumericExp() = default;
+  virtual int Kind() const = 0;
+  virtual size_t Size() const = 0;  // this node and its operands, in bytes
+  virtual void List(std::string& out) const = 0;
+  virtual float Evaluate() = 0;
+};
+using NumericExpPtr = std::unique_ptr<NumericExp>;
+
+// Appends printf-formatted text to a listing.
+void Appendf(std::string& out, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// The full numeric grammar, with the string-comparison fallback at the relation level.
+NumericExpPtr ParseNumericExp(Program& prog);
+// A sum-level expression with MIN/MAX: no relations and no logical operators.
+NumericExpPtr ParseNumericSum(Program& prog);
+// One primary: constant, function call, variable or parenthesised expression.
+NumericExpPtr ParseNumericPrimary(Program& prog);
+
+// Built-in numeric function call (category 0x9000), or null without an error
+// when the next token is no such function.
+NumericExpPtr ParseNumericFunction(Program& prog);
+// User numeric function call (category 0x7000), or null.
+NumericExpPtr ParseNumericUserCall(Program& prog);
+
+// A numeric literal node, for parsers that build trees of their own.
+NumericExpPtr MakeNumericLit(float value);

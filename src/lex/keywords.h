@@ -1,0 +1,40 @@
+// The keyword table: statement keywords, secondary keywords, built-in
+// functions and operator words, hashed by first letter.
+#pragma once
+#include <string_view>
+
+#include "lex/token.h"
+
+// A word with a fixed meaning; variables are VarTokens with the same interface.
+class KeyToken {
+ public:
+  virtual ~KeyToken() = default;
+  virtual TokenCode Code() const = 0;
+  virtual const char* Name() const = 0;
+};
+
+struct KeywordRow {
+  const char* name;
+  TokenCode code;
+};
+
+// A keyword entry; refers to its static row.
+class BasicToken final : public KeyToken {
+ public:
+  explicit BasicToken(const KeywordRow& row) : row_(row) {}
+  TokenCode Code() const override { return row_.code; }
+  const char* Name() const override { return row_.name; }
+
+ private:
+  const KeywordRow& row_;
+};
+
+// Bucket of a name: 0-25 for A-Z by its first character, 26 for anything else.
+int BucketOf(std::string_view name);
+// Case-insensitive whole-name comparison.
+bool SameName(std::string_view a, std::string_view b);
+
+// The keyword entry spelled like word, or null. Built on first use.
+const BasicToken* FindKeyword(std::string_view word);
+// The keyword entry of a code (the first row with it), or null; used for listing.
+const char* KeywordName(TokenCode code);

@@ -1,0 +1,436 @@
+#include "lex/tokenizer.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+bool IsDigit(int c) { return c >= '0' && c <= '9'; }
+bool IsLetter(int c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+bool IsHexDigit(int c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+
+TokenCode SinglePunct(int c) {
+  switch (c) {
+    case '(':
+      return tok::kLParen;
+    case ')':
+      return tok::kRParen;
+    case '[':
+      return tok::kLBracket;
+    case ']':
+      return tok::kRBracket;
+    case '{':
+      return tok::kLBrace;
+    case '}':
+      return tok::kRBrace;
+    case ',':
+      return tok::kComma;
+    case ';':
+      return tok::kSemicolon;
+    case ':':
+      return tok::kColon;
+    case '?':
+      return tok::kQuestion;
+    case '@':
+      return tok::kAt;
+    case '#':
+      return tok::kHash;
+    case '+':
+      return tok::kPlus;
+    case '-':
+      return tok::kMinus;
+    case '^':
+      return tok::kCaret;
+    default:
+      return 0;
+  }
+}
+
+bool StartsWithFn(std::string_view word) {
+  return word.size() >= 2 && (word[0] | 0x20) == 'f' && (word[1] | 0x20) == 'n';
+}
+
+}  // namespace
+
+void Scanner::SetLine(const char* line) {
+  line_ = line;
+  length_ = std::strlen(line);
+  pos_ = 0;
+}
+
+std::string_view Scanner::SkipFrom(size_t offset) {
+  pos_ = length_;
+  if (offset >= length_) return {};
+  return std::string_view(line_ + offset, length_ - offset);
+}
+
+int Scanner::Get() {
+  if (pos_ < length_) return static_cast<unsigned char>(line_[pos_++]);
+  pos_ = length_ + 1;
+  return '\n';
+}
+
+TokenCode Scanner::NextLexeme() {
+  lexeme_.clear();
+  int c = Get();
+  while (c == ' ') c = Get();
+  switch (c) {
+    case '\n':
+      return tok::kEndOfLine;
+    case '!':
+      lexeme_ += '!';
+      return ScanComment();
+    case '/':
+      c = Get();
+      if (c == '/') {
+        lexeme_ = "//";
+        return ScanComment();
+      }
+      Unget();
+      lexeme_ = "/";
+      return tok::kSlash;
+    case '"':
+      return ScanLiteral();
+    case '\'':
+      return ScanCharCode();
+    default:
+      break;
+  }
+  lexeme_ += static_cast<char>(c);
+  if (IsDigit(c) || c == '.') return ScanNumber(c);
+  if (IsLetter(c) || c == '_' || c == '$') return ScanWord();
+  switch (c) {
+    case '*':
+      if (Get() == '*') {
+        lexeme_ += '*';
+        return tok::kPower;
+      }
+      Unget();
+      return tok::kStar;
+    case '<':
+      c = Get();
+      if (c == '=') return tok::kLE;
+      if (c == '>') return tok::kNE;
+      Unget();
+      return tok::kLT;
+    case '>':
+      if (Get() == '=') return tok::kGE;
+      Unget();
+      return tok::kGT;
+    case '=':
+      c = Get();
+      if (c == '<') return tok::kLE;
+      if (c == '>') return tok::kGE;
+      Unget();
+      return tok::kEQ;
+    default:
+      break;
+  }
+  TokenCode punct = SinglePunct(c);
+  return punct ? punct : tok::kOther;
+}
+
+TokenCode Scanner::ScanNumber(int c) {
+  enum { kInteger, kFraction, kExpStart, kExpSign, kExpDigits, kHexStart, kHexDigits } state;
+  if (c == '.') {
+    state = kFraction;
+  } else if (c == '0') {
+    c = Get();
+    if (c == 'x' || c == 'X') {
+      lexeme_ += static_cast<char>(c);
+      state = kHexStart;
+    } else {
+      Unget();  // leading zeros are allowed
+      state = kInteger;
+    }
+  } else {
+    state = kInteger;
+  }
+  for (;;) {
+    c = Get();
+    switch (state) {
+      case kInteger:
+        if (IsDigit(c)) break;
+        if (c == '.') {
+          state = kFraction;
+          break;
+        }
+        if (c == 'E' || c == 'e') {
+          state = kExpStart;
+          break;
+        }
+        Unget();
+        return tok::kInteger;
+      case kFraction:
+        if (IsDigit(c)) break;
+        if (c == 'E' || c == 'e') {
+          state = kExpStart;
+          break;
+        }
+        if (c == '.') return tok::kBadConstant;  // the second point is consumed
+        Unget();
+        return tok::kDecimal;
+      case kExpStart:
+        if (c == '+' || c == '-') {
+          state = kExpSign;
+          break;
+        }
+        if (IsDigit(c)) {
+          state = kExpDigits;
+          break;
+        }
+        Unget();
+        return tok::kBadConstant;
+      case kExpSign:
+        if (IsDigit(c)) {
+          state = kExpDigits;
+          break;
+        }
+        Unget();
+        return tok::kBadConstant;
+      case kExpDigits:
+        if (IsDigit(c)) break;
+        Unget();
+        return tok::kExponent;
+      case kHexStart:
+        if (IsHexDigit(c)) {
+          state = kHexDigits;
+          break;
+        }
+        Unget();
+        return tok::kBadConstant;
+      case kHexDigits:
+        if (IsHexDigit(c)) break;
+        Unget();
+        return tok::kHex;
+    }
+    lexeme_ += static_cast<char>(c);
+  }
+}
+
+TokenCode Scanner::ScanWord() {
+  int c;
+  for (;;) {
+    c = Get();
+    if (IsLetter(c) || IsDigit(c) || c == '_') {
+      lexeme_ += static_cast<char>(c);
+      continue;
+    }
+    break;
+  }
+  if (c == '$') {
+    lexeme_ += '$';
+    do c = Get();
+    while (c == ' ');
+    Unget();
+    return c == '(' ? tok::kStringWordParen : tok::kStringWord;
+  }
+  while (c == ' ') c = Get();
+  Unget();
+  return c == '(' || c == '[' ? tok::kWordBracket : tok::kWord;
+}
+
+TokenCode Scanner::ScanLiteral() {
+  for (;;) {
+    int c = Get();
+    if (c == '\n') {
+      Unget();
+      return tok::kOpenLiteral;
+    }
+    if (c != '"') {
+      lexeme_ += static_cast<char>(c);
+      continue;
+    }
+    // After a closing quote: blanks, another quoted part, or a character code.
+    do c = Get();
+    while (c == ' ');
+    if (c == '"') continue;
+    if (c == '\'') return ScanCharCode();
+    Unget();
+    return tok::kString;
+  }
+}
+
+TokenCode Scanner::ScanCharCode() {
+  for (;;) {
+    int c = Get();
+    if (!IsDigit(c)) return tok::kBadCharCode;  // not pushed back
+    int value = c - '0';
+    for (c = Get(); IsDigit(c); c = Get()) {
+      value = value * 10 + (c - '0');
+      if (value > 255) return tok::kBadCharCode;
+    }
+    lexeme_ += static_cast<char>(value);
+    if (c == '"') return ScanLiteral();
+    if (c != '\'') {
+      Unget();
+      return tok::kString;
+    }
+  }
+}
+
+TokenCode Scanner::ScanComment() {
+  for (;;) {
+    int c = Get();
+    if (c == '\n') {
+      Unget();
+      return tok::kComment;
+    }
+    lexeme_ += static_cast<char>(c);
+  }
+}
+
+Tokenizer::Tokenizer() { tokens_.reserve(64); }
+
+void Tokenizer::StartLine(const char* line) {
+  tokens_.clear();
+  arena_.clear();
+  pos_ = 0;
+  lineStart_ = line;
+  SetLine(line);
+}
+
+SymbolTable& Tokenizer::Table(TokenCode category) {
+  switch (category) {
+    case tok::kStrVar:
+      return strVars_;
+    case tok::kNumArray:
+      return numArrays_;
+    case tok::kStrArray:
+      return strArrays_;
+    case tok::kNumUserFn:
+      return numFns_;
+    case tok::kStrUserFn:
+      return strFns_;
+    default:
+      return numVars_;
+  }
+}
+
+size_t Tokenizer::SymbolStorage() const {
+  return numVars_.StorageSize() + strVars_.StorageSize() + numArrays_.StorageSize() +
+         strArrays_.StorageSize() + numFns_.StorageSize() + strFns_.StorageSize();
+}
+
+TokenCode Tokenizer::GetToken() {
+  if (pos_ < tokens_.size()) return tokens_[pos_++].code;
+  TokenCode lexClass = NextLexeme();
+  std::string_view text = Lexeme();
+  Token token{lexClass,
+              nullptr,
+              static_cast<uint32_t>(arena_.size()),
+              static_cast<uint32_t>(text.size()),
+              lexClass,
+              static_cast<uint32_t>(std::min(Offset(), LineLength()))};
+  arena_.append(text);
+  if (lexClass >= tok::kWord && lexClass <= tok::kStringWordParen) {
+    if (const BasicToken* keyword = FindKeyword(text)) {
+      token.symbol = keyword;
+    } else {
+      TokenCode category = tok::kNumVar;
+      if (lexClass == tok::kStringWord) {
+        category = tok::kStrVar;
+      } else if (lexClass == tok::kWordBracket) {
+        category = StartsWithFn(text) && text.size() > 2 ? tok::kNumUserFn : tok::kNumArray;
+      } else if (lexClass == tok::kStringWordParen) {
+        category = StartsWithFn(text) && text.size() > 3 ? tok::kStrUserFn : tok::kStrArray;
+      }
+      token.symbol = Table(category).FindOrCreate(text);
+    }
+    if (token.symbol) token.code = token.symbol->Code();
+  }
+  tokens_.push_back(token);
+  return tokens_[pos_++].code;
+}
+
+TokenCode Tokenizer::AcceptCategory(TokenCode category) {
+  TokenCode code = GetToken();
+  if (tok::Category(code) == category && code >= 0x100) return code;
+  BackUp();
+  return 0;
+}
+
+bool Tokenizer::Accept(TokenCode code) {
+  if (GetToken() == code) return true;
+  BackUp();
+  return false;
+}
+
+bool Tokenizer::AcceptOpen() {
+  TokenCode code = GetToken();
+  if (code == tok::kLParen || code == tok::kLBracket || code == tok::kLBrace) return true;
+  BackUp();
+  return false;
+}
+
+bool Tokenizer::AcceptClose() {
+  TokenCode code = GetToken();
+  if (code == tok::kRParen || code == tok::kRBracket || code == tok::kRBrace) return true;
+  BackUp();
+  return false;
+}
+
+float ConstantValue(std::string_view text, bool negative) {
+  std::string copy(text);
+  float value = static_cast<float>(std::strtod(copy.c_str(), nullptr));
+  if (negative) value = -value;
+  if (std::isinf(value)) return value > 0 ? 3.4028235e+38f : 1.1754944e-38f;
+  return value;
+}
+
+bool Tokenizer::AcceptConstant(float* value) {
+  size_t mark = Mark();
+  TokenCode code = GetToken();
+  if (code == tok::kHex) {
+    uint32_t bits = 0;
+    for (char c : Text().substr(2)) {
+      int digit = c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10;
+      bits = bits * 16 + static_cast<uint32_t>(digit);
+    }
+    *value = static_cast<float>(bits);
+    return true;
+  }
+  bool negative = code == tok::kMinus;
+  if (negative) code = GetToken();
+  if (code != tok::kInteger && code != tok::kDecimal && code != tok::kExponent) {
+    Restore(mark);
+    return false;
+  }
+  *value = ConstantValue(Text(), negative);
+  return true;
+}
+
+std::string Tokenizer::DumpTokens() {
+  std::string out;
+  char buf[8];
+  for (const Token& token : tokens_) {
+    std::string_view text = TextOf(token);
+    if (token.lexClass == tok::kString) {
+      if (text.empty()) out += "\"\"";
+      bool open = false;
+      for (unsigned char c : text) {
+        bool printable = c >= 32 && c <= 126 && c != '"';
+        if (printable != open) {
+          out += '"';
+          open = printable;
+        }
+        if (printable) {
+          out += static_cast<char>(c);
+        } else {
+          snprintf(buf, sizeof buf, "'%u", c);
+          out += buf;
+        }
+      }
+      if (open) out += '"';
+      continue;
+    }
+    TokenCode cat = tok::Category(token.code);
+    bool spaced = token.code >= 0x100 &&
+                  (cat == tok::kLogical || cat == tok::kSecondary || cat == tok::kStatement);
+    if (spaced) out += ' ';
+    out += text;
+    if (spaced) out += ' ';
+  }
+  return out;
+}

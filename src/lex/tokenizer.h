@@ -1,0 +1,122 @@
+// Scanner (characters to lexemes) and Tokenizer (lexemes to tokens with codes,
+// kept in a list so that parsers back up without rescanning).
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lex/symbols.h"
+#include "lex/token.h"
+
+class Scanner {
+ public:
+  static constexpr size_t kLineMax = 2047;  // longer lines are refused before scanning
+
+  // Scans the NUL-terminated line; its end reads as a newline, for ever after.
+  void SetLine(const char* line);
+  // Cuts the next lexeme and returns its lexical class or punctuation code.
+  TokenCode NextLexeme();
+  std::string_view Lexeme() const { return lexeme_; }
+  size_t Offset() const { return pos_; }  // characters of the line consumed so far
+  size_t LineLength() const { return length_; }
+  // The raw characters from offset to the end; the scanner is then at the end of the line.
+  std::string_view SkipFrom(size_t offset);
+
+ private:
+  int Get();
+  void Unget() {
+    if (pos_ > 0) --pos_;
+  }
+  TokenCode ScanNumber(int c);
+  TokenCode ScanWord();
+  TokenCode ScanLiteral();
+  TokenCode ScanCharCode();
+  TokenCode ScanComment();
+
+  const char* line_ = "";
+  size_t length_ = 0;
+  size_t pos_ = 0;      // next character; length_ + 1 once the end was read
+  std::string lexeme_;  // literal values may hold NUL, so the length is explicit
+};
+
+struct Token {
+  TokenCode code;
+  const KeyToken* symbol;  // keyword or variable for words, else null
+  uint32_t textStart;      // lexeme in the tokenizer's text arena
+  uint32_t textLength;
+  TokenCode lexClass;  // what the scanner returned
+  uint32_t rawEnd;     // line offset just after the token
+};
+
+class Tokenizer : public Scanner {
+ public:
+  Tokenizer();
+
+  // Starts a new line: the token list and its texts are released.
+  void StartLine(const char* line);
+
+  TokenCode GetToken();
+  void BackUp() {
+    if (pos_ > 0) --pos_;
+  }
+  TokenCode Peek() {
+    TokenCode code = GetToken();
+    BackUp();
+    return code;
+  }
+  size_t Mark() const { return pos_; }
+  void Restore(size_t mark) { pos_ = mark; }
+
+  TokenCode AcceptCategory(TokenCode category);
+  bool Accept(TokenCode code);
+  bool AcceptOpen();   // "(", "[" or "{"
+  bool AcceptClose();  // ")", "]" or "}"
+  // A signed numeric constant, hexadecimal or decimal, as a 32-bit value.
+  bool AcceptConstant(float* value);
+
+  const Token& Current() const { return tokens_[pos_ - 1]; }
+  std::string_view Text() const { return TextOf(Current()); }
+  std::string_view TextOf(const Token& token) const {
+    return std::string_view(arena_).substr(token.textStart, token.textLength);
+  }
+  const KeyToken* Symbol() const { return Current().symbol; }
+  // Characters of the line before the current token's end; for bad lines.
+  const char* LineText() const { return lineStart_; }
+
+  // The raw text after the current token (REM, IMAGE); the line then ends.
+  std::string_view RestOfLine() {
+    size_t from = pos_ ? tokens_[pos_ - 1].rawEnd : 0;
+    tokens_.resize(pos_);
+    return SkipFrom(from);
+  }
+
+  // The raw text after the current token, leading blanks dropped; nothing is consumed.
+  std::string_view RawAfterCurrent() const {
+    size_t from = pos_ ? tokens_[pos_ - 1].rawEnd : 0;
+    std::string_view rest(lineStart_, LineLength());
+    rest = rest.substr(std::min(from, rest.size()));
+    while (!rest.empty() && rest.front() == ' ') rest.remove_prefix(1);
+    return rest;
+  }
+
+  // Writes the tokens of the line as diagnostics text.
+  std::string DumpTokens();
+
+  SymbolTable& Table(TokenCode category);
+  size_t SymbolStorage() const;
+
+ private:
+  std::vector<Token> tokens_;
+  std::string arena_;  // every lexeme of the line, back to back
+  size_t pos_ = 0;     // tokens handed out; tokens_[pos_ - 1] is current
+  const char* lineStart_ = "";
+  SymbolTable numVars_{tok::kNumVar};
+  SymbolTable strVars_{tok::kStrVar};
+  SymbolTable numArrays_{tok::kNumArray};
+  SymbolTable strArrays_{tok::kStrArray};
+  SymbolTable numFns_{tok::kNumUserFn};
+  SymbolTable strFns_{tok::kStrUserFn};
+};
+
+// Converts the text of a decimal constant with the overflow rule of constants.
+float ConstantValue(std::string_view text, bool negative);

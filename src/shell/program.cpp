@@ -1,0 +1,340 @@
+#include "shell/program.h"
+
+#include <algorithm>
+
+#include "expr/numeric_exp.h"
+#include "stmt/simple_stmts.h"
+
+void TargetLabel::List(std::string& out) const {
+  if (IsName()) {
+    out += name_;
+    out += ':';
+  } else {
+    out += std::to_string(number_);
+  }
+}
+
+Program::Program(std::string name) : name_(std::move(name)) {
+  SetParseError(0);
+  auto mark = std::make_unique<EndMarkStmt>();
+  endMark_ = mark.get();
+  statements_.Append(mark.release());
+}
+
+Program::~Program() {
+  // Statements own the references; they unlink themselves as they go.
+  statements_.Clear();
+}
+
+Statement* Program::Find(uint32_t number) const {
+  for (Statement* s = First(); s; s = s->Next())
+    if (s->Number() == number && number != 0) return s;
+  return nullptr;
+}
+
+int Program::BadLines() const {
+  int count = 0;
+  for (Statement* s = First(); s; s = s->Next())
+    if (s->ParseError()) ++count;
+  return count;
+}
+
+void Program::Append(std::vector<StatementPtr> line) {
+  for (auto& s : line) statements_.InsertBefore(s.release(), endMark_);
+}
+
+void Program::InsertTyped(std::vector<StatementPtr> line) {
+  if (line.empty()) return;
+  uint32_t number = line.front()->Number();
+  Statement* before = endMark_;
+  for (Statement* s = First(); s != endMark_; s = s->Next()) {
+    if (s->Hidden() || s->Number() == 0) continue;
+    if (s->Number() == number) {
+      before = s->Next();
+      while (before != endMark_ && (before->Location() & loc::kTrailing)) before = before->Next();
+      Delete(s);
+      break;
+    }
+    if (s->Number() > number) {
+      before = s;
+      break;
+    }
+  }
+  for (auto& s : line) statements_.InsertBefore(s.release(), before);
+}
+
+void Program::Delete(Statement* stmt) {
+  while (stmt->Followed()) {
+    Statement* next = stmt->Next();
+    if (!next || next == endMark_) break;
+    next->Unlink();
+    delete next;
+  }
+  stmt->Unlink();
+  delete stmt;
+}
+
+// --- Parsing and listing.
+
+std::vector<StatementPtr> Program::ParseLine() {
+  std::vector<StatementPtr> line;
+  std::string_view raw = RawAfterCurrent();
+  Reference* lastRef = references_.Last();
+  size_t start = Mark();
+  TokenCode code = GetToken();
+  if (code == tok::kEndOfLine) {
+    SetParseError(kEndOfLine);
+    return line;
+  }
+  if (code == tok::kSemicolon && GetToken() == tok::kEndOfLine) {
+    line.push_back(std::make_unique<BlankLineStmt>());
+    return line;
+  }
+  Restore(start);
+  StatementPtr stmt;
+  bool failed = false;
+  // A leading label: a plain word and ":".
+  std::string label;
+  if (tok::Category(GetToken()) == tok::kNumVar && Symbol()) label = Text();
+  if (!label.empty() && Accept(tok::kColon)) {
+    TokenCode next = Peek();
+    bool alone = next == tok::kEndOfLine || next == tok::kComment;
+    line.push_back(std::make_unique<LabelStmt>(label, !alone));
+    if (!alone) failed = !(stmt = ParseStatement(*this));
+  } else {
+    Restore(start);
+    if (Peek() != tok::kComment) failed = !(stmt = ParseStatement(*this));
+  }
+  if (!failed) {
+    code = GetToken();
+    if (code == tok::kComment) {
+      if (stmt) line.push_back(std::move(stmt));
+      line.push_back(std::make_unique<CommentStmt>(Text()));
+      code = GetToken();
+    } else if (stmt) {
+      line.push_back(std::move(stmt));
+    }
+    if (code != tok::kEndOfLine) {
+      SetParseError(14);
+      failed = true;
+    }
+  }
+  if (failed) {
+    line.clear();
+    stmt.reset();
+    ErrorCode error = g_err.parse > kEndOfLine ? g_err.parse : 11;
+    SetParseError(error);
+    line.push_back(std::make_unique<InvalidStmt>(raw, error));
+    return line;
+  }
+  for (Reference* r = lastRef ? lastRef->Next() : references_.First(); r; r = r->Next())
+    r->owner = line.size() > 1 && line.front()->Label() ? line[1].get() : line.front().get();
+  for (size_t i = 0; i < line.size(); ++i) {
+    if (i + 1 < line.size()) line[i]->SetFlags(loc::kFollowed);
+    if (i > 0) line[i]->SetFlags(loc::kHidden | loc::kTrailing);
+  }
+  return line;
+}
+
+int Program::ListLine(std::string& out, const Statement* s, int indentWidth, int depth,
+                      bool withNumber) const {
+  int kind = s->IndentClass();
+  if (withNumber) {
+    Appendf(out, "%5u ", s->Number());
+    if (indentWidth != 0 && kind != Statement::kMargin) out += "  ";
+  } else if (kind != Statement::kMargin) {
+    out += '\t';
+  }
+  auto indent = [&](int units) {
+    for (int i = 0; i < units; ++i) {
+      if (indentWidth == 0)
+        out += '\t';
+      else
+        out.append(static_cast<size_t>(indentWidth), ' ');
+    }
+  };
+  switch (kind) {
+    case Statement::kOpens:
+      indent(depth++);
+      break;
+    case Statement::kCloses:
+      if (depth > 0) --depth;
+      indent(depth);
+      break;
+    case Statement::kMiddle:
+      indent(depth > 0 ? depth - 1 : 0);
+      break;
+    case Statement::kMargin:
+      break;
+    default:
+      indent(depth);
+      break;
+  }
+  s->List(out);
+  while (s->Followed() && s->Next()) {
+    s = s->Next();
+    out += ' ';
+    s->List(out);
+    if (s->IndentClass() == Statement::kOpens) ++depth;
+    if (s->IndentClass() == Statement::kCloses && depth > 0) --depth;
+  }
+  return depth;
+}
+
+// --- Statement references.
+
+TargetLabel* Program::FindTarget(uint32_t number) const {
+  if (number == 0) return nullptr;
+  for (const auto& t : targets_)
+    if (!t->IsName() && t->Number() == number) return t.get();
+  return nullptr;
+}
+
+TargetLabel* Program::FindTarget(std::string_view name) const {
+  for (const auto& t : targets_)
+    if (t->IsName() && SameName(t->Name(), name)) return t.get();
+  return nullptr;
+}
+
+TargetLabel* Program::ReferNumber(uint32_t number) {
+  TargetLabel* target = FindTarget(number);
+  if (!target) {
+    targets_.push_back(std::make_unique<TargetLabel>(number, ""));
+    target = targets_.back().get();
+  }
+  ++target->users;
+  return target;
+}
+
+TargetLabel* Program::ReferName(std::string_view name) {
+  TargetLabel* target = FindTarget(name);
+  if (!target) {
+    targets_.push_back(std::make_unique<TargetLabel>(0, std::string(name)));
+    target = targets_.back().get();
+  }
+  ++target->users;
+  return target;
+}
+
+void Program::Release(TargetLabel* target) {
+  if (!target || --target->users > 0) return;
+  auto it = std::find_if(targets_.begin(), targets_.end(),
+                         [target](const auto& t) { return t.get() == target; });
+  if (it != targets_.end()) targets_.erase(it);
+}
+
+// Gives numbers to the unnumbered statements of a loaded program, stepping by
+// 10, 5 or less as the gap to the next numbered statement allows; when the gap
+// is too small, the statements after the run move up, their references with them.
+bool Program::NumberUnnumbered() {
+  bool renumbered = false;
+  uint32_t prev = 0;
+  Statement* s = First();
+  while (s && s != endMark_) {
+    if (s->Hidden()) {
+      s = s->Next();
+      continue;
+    }
+    if (s->Number() != 0) {
+      prev = s->Number();
+      s = s->Next();
+      continue;
+    }
+    // A run of unnumbered lines: count them and find the numbered line after.
+    std::vector<Statement*> run;
+    Statement* t = s;
+    for (; t && t != endMark_; t = t->Next()) {
+      if (t->Hidden()) continue;
+      if (t->Number() != 0) break;
+      run.push_back(t);
+    }
+    Statement* following = t != endMark_ ? t : nullptr;
+    uint64_t count = run.size();
+    int64_t gap = following ? int64_t{following->Number()} - prev - 1 : 999998 - int64_t{prev};
+    if (gap >= static_cast<int64_t>(count)) {
+      uint64_t step = static_cast<uint64_t>(gap) / count;
+      if (step > 10)
+        step = 10;
+      else if (step >= 6)
+        step = 5;  // a quotient of exactly 10 gives 5 too
+      for (Statement* r : run) r->SetNumber(prev += static_cast<uint32_t>(step));
+    } else {
+      for (Statement* r : run) r->SetNumber(prev += 10);
+      // Move the following statements up only as far as needed. The last one
+      // moves first, so a reference never lands on a number still to be moved.
+      std::vector<std::pair<Statement*, uint32_t>> moves;
+      uint32_t n = prev;
+      for (Statement* f = following; f && f != endMark_; f = f->Next()) {
+        if (f->Hidden()) continue;
+        if (f->Number() == 0 || f->Number() > n) break;
+        n += 10;
+        moves.emplace_back(f, n);
+      }
+      for (auto it = moves.rbegin(); it != moves.rend(); ++it) {
+        if (TargetLabel* target = FindTarget(it->first->Number())) target->SetNumber(it->second);
+        it->first->SetNumber(it->second);
+      }
+      renumbered = true;
+    }
+    s = t;
+  }
+  return renumbered;
+}
+
+// --- Storage.
+
+void Program::ClearStorage() {
+  numSimple_.clear();
+  numArrays_.clear();
+  strSimple_.clear();
+  strArrays_.clear();
+  data = DataReader{};
+  frame = RunFrame{};
+  numTop = strTop = numBase = strBase = 0;
+}
+
+namespace {
+template <typename T>
+std::unique_ptr<T>& Slot(std::vector<std::unique_ptr<T>>& heap, const VarToken* name) {
+  unsigned ordinal = name->Ordinal();
+  if (heap.size() <= ordinal) heap.resize(ordinal + 1);
+  return heap[ordinal];
+}
+}  // namespace
+
+NumericSimpleData* Program::NumericSimple(const VarToken* name) {
+  auto& slot = Slot(numSimple_, name);
+  if (!slot) slot.reset(new NumericSimpleData{name});
+  return slot.get();
+}
+
+std::unique_ptr<NumericScriptData>& Program::NumericArray(const VarToken* name) {
+  return Slot(numArrays_, name);
+}
+
+StringSimpleData* Program::StringSimple(const VarToken* name) {
+  auto& slot = Slot(strSimple_, name);
+  if (!slot) slot.reset(new StringSimpleData{name, StringValue()});
+  return slot.get();
+}
+
+std::unique_ptr<StringScriptData>& Program::StringArray(const VarToken* name) {
+  return Slot(strArrays_, name);
+}
+
+size_t Program::HeapSize() const {
+  size_t size = 0;
+  for (const auto& d : numSimple_)
+    if (d) size += sizeof *d;
+  for (const auto& d : numArrays_)
+    if (d) size += sizeof *d + d->count * sizeof(float);
+  for (const auto& d : strSimple_)
+    if (d) size += sizeof *d + d->value.Capacity();
+  for (const auto& d : strArrays_)
+    if (d) {
+      size += sizeof *d;
+      for (uint32_t i = 0; i < d->count; ++i)
+        size += sizeof(StringValue) + d->elements[i].Capacity();
+    }
+  return size;
+}

@@ -1,0 +1,129 @@
+// One BASIC program: statements, references, symbols, storage and run state.
+// It is also the tokenizer that parses lines into itself.
+#pragma once
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "lex/tokenizer.h"
+#include "shell/base_list.h"
+#include "stmt/statement.h"
+#include "value/variables.h"
+
+class DataStmt;
+class FuncSpec;
+struct DataItem;
+
+// A referenced statement: by number or by label name. Statements that jump
+// share one object per target, so renumbering moves every reference at once.
+class TargetLabel final {
+ public:
+  TargetLabel(uint32_t number, std::string name) : number_(number), name_(std::move(name)) {}
+  bool IsName() const { return !name_.empty(); }
+  uint32_t Number() const { return number_; }
+  const std::string& Name() const { return name_; }
+  void SetNumber(uint32_t number) { number_ = number; }
+  void List(std::string& out) const;  // "100" or "FIN:"
+
+  Statement* resolved = nullptr;  // the statement it names, set by the link pass
+  unsigned users = 0;             // statements that refer to it; LABELS shows it
+
+ private:
+  uint32_t number_;
+  std::string name_;
+};
+
+// Where READ takes its next item.
+struct DataReader {
+  DataStmt* first = nullptr;
+  DataStmt* last = nullptr;  // last DATA chained so far, while linking
+  DataStmt* current = nullptr;
+  const DataItem* item = nullptr;  // next item to read; null when exhausted
+  Statement* endTarget = nullptr;  // ON END THEN target, or null
+};
+
+// The run state of a running program.
+struct RunFrame {
+  static constexpr uint32_t kMaxGosub = 100;
+  Statement* current = nullptr;
+  uint32_t failLocation = 0;
+  uint32_t depth = 0;  // GOSUB nesting
+  Statement* returns[kMaxGosub] = {};
+};
+
+class Program final : public Tokenizer {
+ public:
+  explicit Program(std::string name = "");
+  ~Program();
+
+  const std::string& Name() const { return name_; }
+
+  // --- Statement list, always ending in the hidden end mark.
+  Statement* First() const { return statements_.First(); }
+  Statement* EndMark() const { return endMark_; }
+  // The first statement numbered number, or null.
+  Statement* Find(uint32_t number) const;
+  // Stores a typed line's statements by number: replaces, inserts or appends.
+  void InsertTyped(std::vector<StatementPtr> line);
+  // Appends a line's statements before the end mark.
+  void Append(std::vector<StatementPtr> line);
+  // Unlinks and destroys one statement (and the statements that continue its line).
+  void Delete(Statement* stmt);
+  // Number of bad lines held.
+  int BadLines() const;
+
+  // --- Parsing and listing.
+  // Parses the rest of the tokenizer's line (after any statement number) into
+  // statements: label, statement, trailing comment. A failed parse gives one
+  // InvalidStmt; an empty line gives none, with the parse error 2.
+  std::vector<StatementPtr> ParseLine();
+  // Lists one line (a statement and those that continue its line) and returns
+  // the new block depth. indentWidth 0 indents with tabs.
+  int ListLine(std::string& out, const Statement* s, int indentWidth, int depth,
+               bool withNumber) const;
+
+  // --- Statement references.
+  TargetLabel* ReferNumber(uint32_t number);
+  TargetLabel* ReferName(std::string_view name);
+  void Release(TargetLabel* target);
+  TargetLabel* FindTarget(uint32_t number) const;
+  TargetLabel* FindTarget(std::string_view name) const;
+  const std::vector<std::unique_ptr<TargetLabel>>& Targets() const { return targets_; }
+  // Numbers the unnumbered statements after a load; true when it had to renumber.
+  bool NumberUnnumbered();
+
+  // --- Variable references and storage.
+  BaseList_T<Reference, false>& References() { return references_; }
+  void ClearStorage();
+  NumericSimpleData* NumericSimple(const VarToken* name);  // found or created
+  std::unique_ptr<NumericScriptData>& NumericArray(const VarToken* name);
+  StringSimpleData* StringSimple(const VarToken* name);
+  std::unique_ptr<StringScriptData>& StringArray(const VarToken* name);
+  size_t HeapSize() const;
+
+  // --- User functions: definitions by symbol, and the parameter data stacks.
+  std::vector<FuncSpec*> functions;       // registered by DEF statements at link
+  const ParameterList* params = nullptr;  // while a DEF body is parsed
+  std::vector<float> numStack;            // parameter frames of active calls
+  std::vector<StringValue> strStack;
+  size_t numTop = 0, strTop = 0;    // first free slot
+  size_t numBase = 0, strBase = 0;  // frame of the innermost active call
+
+  // --- Run state.
+  DataReader data;
+  RunFrame frame;
+  Statement* current = nullptr;  // set when a run starts; kept after it ends
+  bool HasRun() const { return current != nullptr; }
+
+ private:
+  std::string name_;
+  BaseList_T<Statement, true> statements_;
+  Statement* endMark_;
+  std::vector<std::unique_ptr<TargetLabel>> targets_;
+  BaseList_T<Reference, false> references_;
+  std::vector<std::unique_ptr<NumericSimpleData>> numSimple_;  // by symbol ordinal
+  std::vector<std::unique_ptr<NumericScriptData>> numArrays_;
+  std::vector<std::unique_ptr<StringSimpleData>> strSimple_;
+  std::vector<std::unique_ptr<StringScriptData>> strArrays_;
+};

@@ -1,0 +1,101 @@
+#include "shell/run.h"
+
+#include <unordered_set>
+
+#include "console/console.h"
+#include "expr/random.h"
+#include "platform/break_flag.h"
+#include "shell/program.h"
+
+namespace {
+
+ErrorCode FailAt(ErrorCode code, const Statement* s) {
+  if (!HasLocation() && s) g_err.location = s->Location();
+  return SetRunError(code);
+}
+
+std::string LowerName(std::string_view name) {
+  std::string lower(name);
+  for (char& c : lower)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+  return lower;
+}
+
+}  // namespace
+
+ErrorCode Link(Program& prog) {
+  prog.ClearStorage();
+  ClearError();
+  for (const auto& target : prog.Targets()) target->resolved = nullptr;
+
+  // Bad lines stop the link; numbers and labels resolve their references.
+  std::unordered_set<std::string> labels;
+  for (Statement* s = prog.First(); s; s = s->Next()) {
+    if (ErrorCode code = s->ParseError()) return Raise(code, s->Location());
+    if (uint32_t number = s->Number()) {
+      TargetLabel* target = prog.FindTarget(number);
+      if (target && !target->resolved) target->resolved = s;
+    }
+    if (const char* label = s->Label()) {
+      if (!labels.insert(LowerName(label)).second) return Raise(kDuplicateLabel, s->Location());
+      if (TargetLabel* target = prog.FindTarget(std::string_view(label))) target->resolved = s;
+    }
+  }
+
+  // Successors, walked backwards so that runs of non-executing lines cost nothing.
+  Statement* next = nullptr;
+  for (Statement* s = prog.EndMark(); s; s = s->Prev()) {
+    s->SetSuccessor(next);
+    if (s->IsExecutable()) next = s;
+  }
+  for (Statement* s = prog.First(); s; s = s->Next())
+    if (ErrorCode code = s->Resolve(prog)) return FailAt(code, s);
+
+  for (const auto& target : prog.Targets())
+    if (!target->resolved) return SetRunError(63);
+
+  for (Statement* s = prog.First(); s; s = s->Next())
+    if (ErrorCode code = s->Check(prog)) return FailAt(code, s);
+
+  for (Reference* r = prog.References().First(); r; r = r->Next())
+    if (ErrorCode code = r->Link(prog)) return FailAt(code, r->owner);
+
+  ReseedRandom();
+  return 0;
+}
+
+ErrorCode Run(Program& prog, bool keepsProgram) {
+  TestAndClearBreak();
+  prog.frame = RunFrame{};
+  Statement* s = prog.First();
+  if (!s->IsExecutable()) s = s->NextExecutable();
+  prog.current = s;
+  const char* fileName = !keepsProgram && !prog.Name().empty() ? prog.Name().c_str() : nullptr;
+
+  for (;;) {
+    Statement* next = s->Execute();
+    if (g_err.run == 0) [[likely]] {
+      if (!BreakPending()) [[likely]] {
+        if (next) s = next;
+        continue;
+      }
+      TestAndClearBreak();
+      SetErrorFile(fileName);
+      Raise(kBreak, s->Location());
+      break;
+    }
+    prog.frame.failLocation = s->Location();
+    SetErrorFile(fileName);
+    if (g_err.run != kStop && !HasLocation()) g_err.location = prog.frame.failLocation;
+    break;
+  }
+  prog.current = s;
+  TheConsole().RestoreDefaults();
+  if (g_err.run == kStop || g_err.run == kEnd) {
+    SetParseError(0);
+    ClearError();
+    SetErrorFile(nullptr);
+    return 0;
+  }
+  return g_err.run;
+}

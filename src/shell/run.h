@@ -1,0 +1,13 @@
+// Linking a program and running it.
+#pragma once
+#include "shell/errors.h"
+
+class Program;
+
+// Resets the run-time state and binds every reference; 0 or the first error,
+// with its location set.
+ErrorCode Link(Program& prog);
+// Runs a linked program to its end. 0 when it ended by END, STOP or its end
+// mark, else the error that ended it. keepsProgram is false for programs run
+// from a file, whose errors then name the file.
+ErrorCode Run(Program& prog, bool keepsProgram);

@@ -1,0 +1,69 @@
+// END, STOP and SLEEP: the statements that end or pause a run.
+#include <chrono>
+#include <thread>
+
+#include "shell/program.h"
+#include "stmt/parsers.h"
+
+namespace {
+
+class EndStmt final : public Statement {
+ public:
+  Statement* Execute() override { return Fail(kEnd); }
+  TokenCode Code() const override { return tok::kEnd; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "END"; }
+};
+
+class StopStmt final : public Statement {
+ public:
+  Statement* Execute() override { return Fail(kStop); }
+  TokenCode Code() const override { return tok::kStop; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "STOP"; }
+};
+
+// Pauses for whole milliseconds; the break flag is looked at only afterwards.
+class SleepStmt final : public Statement {
+ public:
+  explicit SleepStmt(NumericExpPtr time) : time_(std::move(time)) {}
+  Statement* Execute() override {
+    float ms = time_->Evaluate();
+    if (g_err.run) return successor_;
+    if (!(ms >= 1.0f)) return Fail(1014);
+    std::this_thread::sleep_for(std::chrono::milliseconds(static_cast<int64_t>(ms)));
+    return successor_;
+  }
+  TokenCode Code() const override { return tok::kSleep; }
+  size_t Size() const override { return sizeof *this + time_->Size(); }
+  void List(std::string& out) const override {
+    out += "SLEEP ";
+    time_->List(out);
+  }
+
+ private:
+  NumericExpPtr time_;
+};
+
+}  // namespace
+
+StatementPtr ParseStop(Program&) { return std::make_unique<StopStmt>(); }
+
+// END IF, END WHILE and END SELECT are the block closers in two words.
+StatementPtr ParseEnd(Program& p) {
+  if (p.Accept(tok::kIf)) return ParseEndIf(p);
+  if (p.Accept(tok::kWhile)) return ParseEndWhile(p);
+  if (p.Accept(tok::kSelect)) return ParseEndSelect(p);
+  return std::make_unique<EndStmt>();
+}
+
+StatementPtr ParseSleep(Program& p) {
+  size_t mark = p.Mark();
+  NumericExpPtr time = ParseNumericExp(p);
+  if (!time) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(35);
+    return nullptr;
+  }
+  return std::make_unique<SleepStmt>(std::move(time));
+}

@@ -1,0 +1,44 @@
+// Parse routines of the statement keywords; each family lives in its own file.
+// A routine is called with the keyword consumed and returns the statement, or
+// null with the parse error set (a line that fails is kept as a bad line).
+#pragma once
+#include "stmt/statement.h"
+
+using ParseRoutine = StatementPtr (*)(Program&);
+
+// The routine of a statement keyword code, or null for keywords this
+// interpreter accepts only as text.
+ParseRoutine RoutineOf(TokenCode keyword);
+
+StatementPtr ParseLet(Program& p);         // assign.cpp
+StatementPtr ParseImpliedLet(Program& p);  // assign.cpp: a line without keyword
+StatementPtr ParsePrint(Program& p);       // print.cpp
+StatementPtr ParseIf(Program& p);          // if.cpp
+StatementPtr ParseElse(Program& p);
+StatementPtr ParseEndIf(Program& p);
+StatementPtr ParseFor(Program& p);  // for_next.cpp
+StatementPtr ParseNext(Program& p);
+StatementPtr ParseWhile(Program& p);  // while_repeat.cpp
+StatementPtr ParseEndWhile(Program& p);
+StatementPtr ParseRepeat(Program& p);
+StatementPtr ParseUntil(Program& p);
+StatementPtr ParseSelect(Program& p);  // select.cpp
+StatementPtr ParseCase(Program& p);
+StatementPtr ParseEndSelect(Program& p);
+StatementPtr ParseGoto(Program& p);  // branch.cpp
+StatementPtr ParseGosub(Program& p);
+StatementPtr ParseReturn(Program& p);
+StatementPtr ParseOn(Program& p);  // on_off.cpp: dispatches on the word after ON
+StatementPtr ParseOff(Program& p);
+StatementPtr ParseOnEnd(Program& p);    // data.cpp: ON END THEN target (END consumed)
+StatementPtr ParseOffEnd(Program& p);   // data.cpp: OFF END (END consumed)
+StatementPtr ParseRestore(Program& p);  // data.cpp
+StatementPtr ParseData(Program& p);
+StatementPtr ParseRead(Program& p);
+StatementPtr ParseStop(Program& p);  // end_stop.cpp
+StatementPtr ParseEnd(Program& p);
+StatementPtr ParseSleep(Program& p);
+StatementPtr ParseRem(Program& p);    // simple_stmts.cpp
+StatementPtr ParseDim(Program& p);    // dim.cpp
+StatementPtr ParseDef(Program& p);    // def.cpp
+StatementPtr ParseInput(Program& p);  // input.cpp

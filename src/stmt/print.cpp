@@ -1,0 +1,8 @@
+// Placeholder until this statement family lands.
+#include "shell/program.h"
+#include "stmt/parsers.h"
+
+StatementPtr ParsePrint(Program&) {
+  SetParseError(kNotSupported);
+  return nullptr;
+}

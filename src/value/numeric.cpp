@@ -1,0 +1,63 @@
+#include "value/numeric.h"
+
+#include <cmath>
+#include <new>
+
+DimensionList::DimensionList(std::vector<uint32_t> bounds)
+    : bounds_(std::move(bounds)), strides_(bounds_.size(), 1) {
+  for (size_t i = bounds_.size(); i-- > 1;) strides_[i - 1] = strides_[i] * bounds_[i];
+}
+
+double DimensionList::Total() const {
+  float total = 1.0f;
+  for (uint32_t bound : bounds_) total *= static_cast<float>(bound);
+  return total;
+}
+
+bool DimensionList::Compatible(const DimensionList& other) const {
+  if (bounds_.size() != other.bounds_.size()) return false;
+  for (size_t i = 0; i < bounds_.size(); ++i)
+    if (static_cast<float>(bounds_[i]) != static_cast<float>(other.bounds_[i])) return false;
+  return true;
+}
+
+void DimensionList::List(std::string& out) const {
+  for (size_t i = 0; i < bounds_.size(); ++i) {
+    if (i) out += ',';
+    out += std::to_string(bounds_[i]);
+  }
+}
+
+namespace {
+// Zero-based index of one subscript, or -1 outside 1..bound after rounding.
+int64_t OneIndex(float s, uint32_t bound) {
+  if (!(s >= 0.5f) || !(static_cast<double>(s) < bound + 0.5)) return -1;
+  return static_cast<int64_t>(std::floor(static_cast<double>(s) + 0.5)) - 1;
+}
+}  // namespace
+
+int64_t ElementIndex(const DimensionList& dims, const float* subscripts) {
+  size_t last = dims.Count() - 1;
+  int64_t index = OneIndex(subscripts[last], dims.Bound(last));
+  if (index < 0) return -1;
+  for (size_t i = 0; i < last; ++i) {
+    int64_t first = OneIndex(subscripts[i], dims.Bound(i));
+    if (first >= 0) index += first * dims.Stride(i);
+  }
+  return index;
+}
+
+ErrorCode MakeNumericArray(const VarToken* name, DimensionList dims,
+                           std::unique_ptr<NumericScriptData>* out) {
+  double total = dims.Total();
+  if (total > kMaxElements) return 59;
+  auto data = std::make_unique<NumericScriptData>();
+  data->name = name;
+  data->count = static_cast<uint32_t>(total);
+  data->dims = std::move(dims);
+  data->elements.reset(new (std::nothrow) float[data->count ? data->count : 1]);
+  if (!data->elements) return kNoMemory;
+  std::fill_n(data->elements.get(), data->count, UndefinedValue());
+  *out = std::move(data);
+  return 0;
+}

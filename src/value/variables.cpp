@@ -1,0 +1,338 @@
+#include "value/variables.h"
+
+#include <cmath>
+#include <new>
+
+#include "shell/program.h"
+
+namespace {
+
+// Past this a string result or target would overflow.
+constexpr double kMaxStringLength = 0x7FFFFFF;
+
+void ListSubscripts(std::string& out, const std::vector<NumericExpPtr>& subscripts) {
+  out += '(';
+  for (size_t i = 0; i < subscripts.size(); ++i) {
+    if (i) out += ',';
+    subscripts[i]->List(out);
+  }
+  out += ')';
+}
+
+size_t SubscriptsSize(const std::vector<NumericExpPtr>& subscripts) {
+  size_t size = 0;
+  for (const auto& s : subscripts) size += s->Size();
+  return size;
+}
+
+// Evaluates subscripts last to first, as the index is resolved.
+void EvaluateSubscripts(std::vector<NumericExpPtr>& subscripts, std::vector<float>& values) {
+  for (size_t i = subscripts.size(); i-- > 0;) values[i] = subscripts[i]->Evaluate();
+}
+
+// Subscripts in any bracket pair, at least one, separated by ",".
+bool ParseSubscripts(Program& p, std::vector<NumericExpPtr>* out) {
+  if (!p.AcceptOpen()) return false;
+  do {
+    NumericExpPtr e = ParseNumericExp(p);
+    if (!e) {
+      if (!g_err.parse) SetParseError(34);
+      return false;
+    }
+    out->push_back(std::move(e));
+  } while (p.Accept(tok::kComma));
+  if (!p.AcceptClose()) {
+    SetParseError(29);
+    return false;
+  }
+  return true;
+}
+
+template <typename T>
+std::unique_ptr<T> Register(Program& p, std::unique_ptr<T> ref) {
+  p.References().Append(ref.get());
+  return ref;
+}
+
+double Round(float x) { return std::floor(double{x} + 0.5); }
+
+}  // namespace
+
+// --- Numeric references.
+
+void NumericSimpleVar::List(std::string& out) const { out += name_->Name(); }
+
+ErrorCode NumericSimpleVar::Link(Program& prog) {
+  data_ = prog.NumericSimple(name_);
+  return 0;
+}
+
+void NumericParmVar::List(std::string& out) const { out += name_->Name(); }
+float NumericParmVar::Evaluate() { return ReadValue(prog_.numStack[prog_.numBase + slot_]); }
+void NumericParmVar::Assign(float value) { prog_.numStack[prog_.numBase + slot_] = value; }
+
+size_t NumericScriptVar::Size() const { return sizeof *this + SubscriptsSize(subscripts_); }
+
+void NumericScriptVar::List(std::string& out) const {
+  out += name_->Name();
+  ListSubscripts(out, subscripts_);
+}
+
+ErrorCode NumericScriptVar::Link(Program& prog) {
+  auto& array = prog.NumericArray(name_);
+  if (!array) {
+    if (subscripts_.size() != 1) return 65;
+    if (ErrorCode code = MakeNumericArray(name_, DimensionList({10}), &array)) return code;
+  }
+  if (array->dims.Count() != subscripts_.size()) return 1003;
+  data_ = array.get();
+  return 0;
+}
+
+float* NumericScriptVar::Element() {
+  EvaluateSubscripts(subscripts_, values_);
+  int64_t index = ElementIndex(data_->dims, values_.data());
+  if (index < 0) {
+    if (!g_err.run) SetRunError(1002);
+    return nullptr;
+  }
+  return &data_->elements[index];
+}
+
+float NumericScriptVar::Evaluate() {
+  float* element = Element();
+  return element ? ReadValue(*element) : 0.0f;
+}
+
+void NumericScriptVar::Assign(float value) {
+  if (float* element = Element()) *element = value;
+}
+
+// --- String references.
+
+void StringSimpleVar::List(std::string& out) const { out += name_->Name(); }
+
+ErrorCode StringSimpleVar::Link(Program& prog) {
+  value_ = &prog.StringSimple(name_)->value;
+  return 0;
+}
+
+void StringParmVar::List(std::string& out) const { out += name_->Name(); }
+StringValue* StringParmVar::Locate() { return &prog_.strStack[prog_.strBase + slot_]; }
+
+size_t StringScriptVar::Size() const { return sizeof *this + SubscriptsSize(subscripts_); }
+
+void StringScriptVar::List(std::string& out) const {
+  out += name_->Name();
+  ListSubscripts(out, subscripts_);
+}
+
+ErrorCode StringScriptVar::Link(Program& prog) {
+  auto& array = prog.StringArray(name_);
+  if (!array) {
+    if (subscripts_.size() != 1) return 65;
+    if (ErrorCode code = MakeStringArray(name_, DimensionList({10}), &array)) return code;
+  }
+  if (array->dims.Count() != subscripts_.size()) return 1003;
+  data_ = array.get();
+  return 0;
+}
+
+StringValue* StringScriptVar::Locate() {
+  EvaluateSubscripts(subscripts_, values_);
+  int64_t index = ElementIndex(data_->dims, values_.data());
+  if (index < 0) {
+    if (!g_err.run) SetRunError(1002);
+    return nullptr;
+  }
+  return &data_->elements[index];
+}
+
+ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
+                          std::unique_ptr<StringScriptData>* out) {
+  double total = dims.Total();
+  if (total > kMaxElements) return 59;
+  auto data = std::make_unique<StringScriptData>();
+  data->name = name;
+  data->count = static_cast<uint32_t>(total);
+  data->dims = std::move(dims);
+  data->elements.reset(new (std::nothrow) StringValue[data->count ? data->count : 1]);
+  if (!data->elements) return kNoMemory;
+  *out = std::move(data);
+  return 0;
+}
+
+// --- Substrings.
+
+size_t StringLimit::Size() const {
+  return sizeof *this + start_->Size() + (second_ ? second_->Size() : 0);
+}
+
+void StringLimit::List(std::string& out) const {
+  out += '[';
+  start_->List(out);
+  if (form_ != kFirst) {
+    out += form_ == kRange ? ',' : ';';
+    second_->List(out);
+  }
+  out += ']';
+}
+
+void StringLimit::Evaluate(double* start, double* count) const {
+  *start = Round(start_->Evaluate());
+  if (form_ == kFirst) return;
+  double second = Round(second_->Evaluate());
+  *count = form_ == kRange ? second - *start + 1 : second;
+}
+
+void StringSubVar::List(std::string& out) const {
+  base_->List(out);
+  limit_->List(out);
+}
+
+std::string_view StringSubVar::Evaluate(StringValue& work) {
+  double start, count = 0;
+  limit_->Evaluate(&start, &count);
+  std::string_view text = base_->Evaluate(work);
+  if (!(start - 1 >= 0 && start - 1 <= 65534)) {
+    SetRunError(1009);
+    return {};
+  }
+  size_t from = static_cast<size_t>(start) - 1;
+  if (limit_->form() == StringLimit::kFirst) return from < text.size() ? text.substr(from) : "";
+  if (count < 0) {
+    SetRunError(1008);
+    return {};
+  }
+  if (count > kMaxStringLength) {
+    SetRunError(1018);
+    return {};
+  }
+  auto n = static_cast<size_t>(count);
+  // Past the end of the source the result is padded with blanks to the full count.
+  if (from + n <= text.size()) return text.substr(from, n);
+  std::string_view present = from < text.size() ? text.substr(from) : "";
+  if (present.data() != work.Data()) {
+    work.Clear();
+    work.Append(present);
+  } else {
+    work.SetLength(static_cast<uint32_t>(present.size()));
+  }
+  work.AppendBlanks(static_cast<uint32_t>(n - present.size()));
+  return work.View();
+}
+
+void StringSubVar::Assign(std::string_view text) {
+  double start, count = 0;
+  limit_->Evaluate(&start, &count);
+  StringValue* target = base_->Locate();
+  if (!target) return;
+  if (start == 0) {
+    SetRunError(1009);
+    return;
+  }
+  if (start < 0 || start > target->Length() + 1.0) {
+    SetRunError(1007);
+    return;
+  }
+  auto s = static_cast<uint64_t>(start);
+  if (limit_->form() == StringLimit::kFirst) {
+    // The length ends one past the copied text: the character the buffer already
+    // held there becomes the last one. This off-by-one is the form's defined result.
+    uint64_t m = s + text.size();
+    if (m > kMaxStringLength) {
+      SetRunError(1018);
+      return;
+    }
+    target->Reserve(m);
+    std::memmove(target->Data() + s - 1, text.data(), text.size());
+    target->SetLength(static_cast<uint32_t>(m));
+    SetRunError(0);
+    return;
+  }
+  if (count < 0) {
+    SetRunError(1008);
+    return;
+  }
+  if (s + count > kMaxStringLength) {
+    SetRunError(1018);
+    return;
+  }
+  auto n = static_cast<uint64_t>(count);
+  uint32_t oldLength = target->Length();
+  target->Reserve(s - 1 + n);
+  size_t copied = std::min<uint64_t>(n, text.size());
+  std::memmove(target->Data() + s - 1, text.data(), copied);
+  std::memset(target->Data() + s - 1 + copied, ' ', n - copied);
+  target->SetLength(static_cast<uint32_t>(std::max<uint64_t>(oldLength, s - 1 + n)));
+}
+
+// --- Parsers.
+
+std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode code = p.GetToken();
+  const auto* name = static_cast<const VarToken*>(p.Symbol());
+  if (tok::Category(code) == tok::kNumVar && name) {
+    if (p.params) {
+      int slot = p.params->NumericSlot(name);
+      if (slot >= 0)
+        return Register<NumericVar>(p, std::make_unique<NumericParmVar>(name, p, slot));
+    }
+    return Register<NumericVar>(p, std::make_unique<NumericSimpleVar>(name));
+  }
+  if (tok::Category(code) == tok::kNumArray && name) {
+    std::vector<NumericExpPtr> subscripts;
+    if (ParseSubscripts(p, &subscripts))
+      return Register<NumericVar>(p,
+                                  std::make_unique<NumericScriptVar>(name, std::move(subscripts)));
+  }
+  p.Restore(mark);
+  return nullptr;
+}
+
+std::unique_ptr<StringVar> ParseStringVar(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode code = p.GetToken();
+  const auto* name = static_cast<const VarToken*>(p.Symbol());
+  std::unique_ptr<StringWholeVar> base;
+  if (tok::Category(code) == tok::kStrVar && name) {
+    int slot = p.params ? p.params->StringSlot(name) : -1;
+    if (slot >= 0)
+      base = std::make_unique<StringParmVar>(name, p, slot);
+    else
+      base = std::make_unique<StringSimpleVar>(name);
+  } else if (tok::Category(code) == tok::kStrArray && name) {
+    std::vector<NumericExpPtr> subscripts;
+    if (ParseSubscripts(p, &subscripts))
+      base = std::make_unique<StringScriptVar>(name, std::move(subscripts));
+  }
+  if (!base) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  p.References().Append(base.get());
+  if (!p.Accept(tok::kLBracket)) return base;
+  NumericExpPtr start = ParseNumericExp(p);
+  NumericExpPtr second;
+  StringLimit::Form form = StringLimit::kFirst;
+  if (start) {
+    if (p.Accept(tok::kComma))
+      form = StringLimit::kRange;
+    else if (p.Accept(tok::kSemicolon))
+      form = StringLimit::kLength;
+    if (form != StringLimit::kFirst) second = ParseNumericExp(p);
+  }
+  if (!start || (form != StringLimit::kFirst && !second)) {
+    if (!g_err.parse) SetParseError(49);
+    p.Restore(mark);
+    return nullptr;
+  }
+  if (!p.Accept(tok::kRBracket)) {
+    SetParseError(31);
+    p.Restore(mark);
+    return nullptr;
+  }
+  auto limit = std::make_unique<StringLimit>(form, std::move(start), std::move(second));
+  return std::make_unique<StringSubVar>(std::move(base), std::move(limit));
+}

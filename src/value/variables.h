@@ -1,0 +1,215 @@
+// Variable references: expression leaves and assignment targets that the link
+// pass binds to storage once, so reading them at run time is a pointer load.
+#pragma once
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "expr/string_exp.h"
+#include "shell/base_list.h"
+#include "shell/errors.h"
+#include "value/numeric.h"
+#include "value/string_value.h"
+
+class Statement;
+class VarToken;
+
+// The parameters of the DEF whose body is being parsed: a parameter's name
+// binds to its slot of the call frame instead of the global variable.
+class ParameterList {
+ public:
+  virtual ~ParameterList() = default;
+  virtual int NumericSlot(const VarToken* name) const = 0;  // -1 when no parameter
+  virtual int StringSlot(const VarToken* name) const = 0;
+};
+
+// Everything the link pass must bind; all of a program's references sit on one list.
+class Reference : public BaseNode_T<Reference> {
+ public:
+  virtual ~Reference() = default;
+  virtual ErrorCode Link(Program& prog) = 0;
+  // The statement whose location a link failure reports.
+  Statement* owner = nullptr;
+};
+
+// An assignable numeric variable or array element.
+class NumericVar : public NumericExp, public Reference {
+ public:
+  explicit NumericVar(const VarToken* name) : name_(name) {}
+  virtual void Assign(float value) = 0;
+  const VarToken* Name() const { return name_; }
+  int Kind() const override { return static_cast<int>(tok::kNumVar); }
+
+ protected:
+  const VarToken* name_;
+};
+
+class NumericSimpleVar final : public NumericVar {
+ public:
+  using NumericVar::NumericVar;
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override;
+  float Evaluate() override { return ReadValue(data_->value); }
+  void Assign(float value) override { data_->value = value; }
+  void Add(float value) { data_->value += value; }
+  ErrorCode Link(Program& prog) override;
+
+ private:
+  NumericSimpleData* data_ = nullptr;
+};
+
+// A numeric parameter inside a DEF body: a slot of the running call's frame.
+class NumericParmVar final : public NumericVar {
+ public:
+  NumericParmVar(const VarToken* name, Program& prog, unsigned slot)
+      : NumericVar(name), prog_(prog), slot_(slot) {}
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override;
+  float Evaluate() override;
+  void Assign(float value) override;
+  ErrorCode Link(Program&) override { return 0; }
+
+ private:
+  Program& prog_;
+  unsigned slot_;
+};
+
+class NumericScriptVar final : public NumericVar {
+ public:
+  NumericScriptVar(const VarToken* name, std::vector<NumericExpPtr> subscripts)
+      : NumericVar(name), subscripts_(std::move(subscripts)), values_(subscripts_.size()) {}
+  size_t Size() const override;
+  void List(std::string& out) const override;
+  float Evaluate() override;
+  void Assign(float value) override;
+  ErrorCode Link(Program& prog) override;
+
+ private:
+  float* Element();  // null (with 1002 raised unless an error is set) when out of bounds
+
+  std::vector<NumericExpPtr> subscripts_;
+  std::vector<float> values_;  // evaluated subscripts; sized once, so reads never allocate
+  NumericScriptData* data_ = nullptr;
+};
+
+// An assignable string: a variable, an array element or a substring of one.
+class StringVar : public StringExp {
+ public:
+  virtual void Assign(std::string_view text) = 0;
+  virtual const VarToken* Name() const = 0;
+};
+
+// A whole string variable or element, bound by the link pass.
+class StringWholeVar : public StringVar, public Reference {
+ public:
+  explicit StringWholeVar(const VarToken* name) : name_(name) {}
+  const VarToken* Name() const override { return name_; }
+  // The stored value, or null after raising an error.
+  virtual StringValue* Locate() = 0;
+  std::string_view Evaluate(StringValue&) override {
+    StringValue* value = Locate();
+    return value ? value->View() : std::string_view();
+  }
+  void Assign(std::string_view text) override {
+    if (StringValue* value = Locate()) value->Assign(text);
+  }
+
+ protected:
+  const VarToken* name_;
+};
+
+class StringSimpleVar final : public StringWholeVar {
+ public:
+  using StringWholeVar::StringWholeVar;
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override;
+  StringValue* Locate() override { return value_; }
+  ErrorCode Link(Program& prog) override;
+
+ private:
+  StringValue* value_ = nullptr;
+};
+
+// A string parameter inside a DEF body.
+class StringParmVar final : public StringWholeVar {
+ public:
+  StringParmVar(const VarToken* name, Program& prog, unsigned slot)
+      : StringWholeVar(name), prog_(prog), slot_(slot) {}
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override;
+  StringValue* Locate() override;
+  ErrorCode Link(Program&) override { return 0; }
+
+ private:
+  Program& prog_;
+  unsigned slot_;
+};
+
+class StringScriptVar final : public StringWholeVar {
+ public:
+  StringScriptVar(const VarToken* name, std::vector<NumericExpPtr> subscripts)
+      : StringWholeVar(name), subscripts_(std::move(subscripts)), values_(subscripts_.size()) {}
+  size_t Size() const override;
+  void List(std::string& out) const override;
+  StringValue* Locate() override;
+  ErrorCode Link(Program& prog) override;
+
+ private:
+  std::vector<NumericExpPtr> subscripts_;
+  std::vector<float> values_;
+  struct StringScriptData* data_ = nullptr;
+};
+
+// The selector after a string variable: [s], [s,e] or [s;n].
+class StringLimit {
+ public:
+  enum Form { kFirst, kRange, kLength };
+  StringLimit(Form form, NumericExpPtr start, NumericExpPtr second)
+      : form_(form), start_(std::move(start)), second_(std::move(second)) {}
+  size_t Size() const;
+  void List(std::string& out) const;
+  Form form() const { return form_; }
+  // Rounded start and, for ranges and lengths, the character count (start
+  // evaluated first).
+  void Evaluate(double* start, double* count) const;
+
+ private:
+  Form form_;
+  NumericExpPtr start_;
+  NumericExpPtr second_;  // the end or the length; null for kFirst
+};
+
+class StringSubVar final : public StringVar {
+ public:
+  StringSubVar(std::unique_ptr<StringWholeVar> base, std::unique_ptr<StringLimit> limit)
+      : base_(std::move(base)), limit_(std::move(limit)) {}
+  size_t Size() const override { return sizeof *this + base_->Size() + limit_->Size(); }
+  void List(std::string& out) const override;
+  const VarToken* Name() const override { return base_->Name(); }
+  std::string_view Evaluate(StringValue& work) override;
+  void Assign(std::string_view text) override;
+
+ private:
+  std::unique_ptr<StringWholeVar> base_;
+  std::unique_ptr<StringLimit> limit_;
+};
+
+struct StringSimpleData {
+  const VarToken* name;
+  StringValue value;
+};
+
+struct StringScriptData {
+  const VarToken* name;
+  DimensionList dims;
+  uint32_t count = 0;
+  std::unique_ptr<StringValue[]> elements;
+};
+
+ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
+                          std::unique_ptr<StringScriptData>* out);
+
+// Variable parsers: null with the position restored when the next token is
+// no variable of the kind (an error is stored only for a malformed one).
+std::unique_ptr<NumericVar> ParseNumericVar(Program& prog);
+std::unique_ptr<StringVar> ParseStringVar(Program& prog);
