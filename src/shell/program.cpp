@@ -183,6 +183,42 @@ int Program::ListLine(std::string& out, const Statement* s, int indentWidth, int
 
 // --- Statement references.
 
+TargetRef& TargetRef::operator=(TargetRef&& other) noexcept {
+  if (this != &other) {
+    if (target_) prog_->Release(target_);
+    prog_ = other.prog_;
+    target_ = other.target_;
+    other.target_ = nullptr;
+  }
+  return *this;
+}
+
+TargetRef::~TargetRef() {
+  if (target_) prog_->Release(target_);
+}
+
+Statement* TargetRef::Landing() const {
+  Statement* s = target_->resolved;
+  return s && !s->IsExecutable() ? s->NextExecutable() : s;
+}
+
+TargetRef ParseTarget(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode code = p.GetToken();
+  if (code == tok::kInteger) {
+    uint64_t value = 0;
+    for (char c : p.Text()) value = std::min<uint64_t>(value * 10 + (c - '0'), 1000000);
+    if (value >= 1 && value <= 999999)
+      return TargetRef(p, p.ReferNumber(static_cast<uint32_t>(value)));
+  } else if (tok::Category(code) == tok::kNumVar && code >= 0x100 && p.Symbol()) {
+    std::string name(p.Text());
+    p.Accept(tok::kColon);
+    return TargetRef(p, p.ReferName(name));
+  }
+  p.Restore(mark);
+  return TargetRef();
+}
+
 TargetLabel* Program::FindTarget(uint32_t number) const {
   if (number == 0) return nullptr;
   for (const auto& t : targets_)

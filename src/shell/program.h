@@ -34,6 +34,41 @@ class TargetLabel final {
   std::string name_;
 };
 
+// A statement's hold on a TargetLabel; released when the statement goes.
+class TargetRef final {
+ public:
+  TargetRef() = default;
+  TargetRef(Program& prog, TargetLabel* target) : prog_(&prog), target_(target) {}
+  TargetRef(TargetRef&& other) noexcept : prog_(other.prog_), target_(other.target_) {
+    other.target_ = nullptr;
+  }
+  TargetRef& operator=(TargetRef&& other) noexcept;
+  ~TargetRef();
+  explicit operator bool() const { return target_ != nullptr; }
+  TargetLabel* get() const { return target_; }
+  TargetLabel* operator->() const { return target_; }
+  void List(std::string& out) const { target_->List(out); }
+  // The statement named, or null when the link pass found none.
+  Statement* Named() const { return target_->resolved; }
+  // The first executable statement at or after the one named: where a jump lands.
+  Statement* Landing() const;
+
+ private:
+  Program* prog_ = nullptr;
+  TargetLabel* target_ = nullptr;
+};
+
+// A statement identifier: a number (1 to 999999) or a label, with or without
+// its colon. An empty ref (position restored, no error) when there is none.
+TargetRef ParseTarget(Program& prog);
+
+// One constant of a DATA statement.
+struct DataItem {
+  TokenCode type;  // tok::kNumVar for a number, tok::kStrVar for a string
+  float number;
+  std::string text;
+};
+
 // Where READ takes its next item.
 struct DataReader {
   DataStmt* first = nullptr;

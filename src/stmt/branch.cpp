@@ -14,3 +14,7 @@ StatementPtr ParseReturn(Program&) {
   SetParseError(kNotSupported);
   return nullptr;
 }
+StatementPtr ParseRestoreOf(Program&, NumericExpPtr) {
+  SetParseError(kNotSupported);
+  return nullptr;
+}

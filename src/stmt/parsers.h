@@ -2,6 +2,7 @@
 // A routine is called with the keyword consumed and returns the statement, or
 // null with the parse error set (a line that fails is kept as a bad line).
 #pragma once
+#include "expr/numeric_exp.h"
 #include "stmt/statement.h"
 
 using ParseRoutine = StatementPtr (*)(Program&);
@@ -33,6 +34,8 @@ StatementPtr ParseOff(Program& p);
 StatementPtr ParseOnEnd(Program& p);    // data.cpp: ON END THEN target (END consumed)
 StatementPtr ParseOffEnd(Program& p);   // data.cpp: OFF END (END consumed)
 StatementPtr ParseRestore(Program& p);  // data.cpp
+// branch.cpp: RESTORE <selector> OF <targets> [ELSE <target>], selector parsed.
+StatementPtr ParseRestoreOf(Program& p, NumericExpPtr selector);
 StatementPtr ParseData(Program& p);
 StatementPtr ParseRead(Program& p);
 StatementPtr ParseStop(Program& p);  // end_stop.cpp
