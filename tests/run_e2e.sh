@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# End-to-end suites: BASIC programs run from the command line and shell
+# sessions piped into the interpreter, each compared byte for byte with its
+# expected output. Usage: run_e2e.sh path/to/basic [name-filter]
+set -u
+basic=$(realpath "$1")
+filter=${2:-}
+here=$(cd "$(dirname "$0")" && pwd)
+pass=0
+fail=0
+failed=()
+
+check() {  # name expected actual
+  if cmp -s "$2" "$3"; then
+    pass=$((pass + 1))
+  else
+    fail=$((fail + 1))
+    failed+=("$1")
+    echo "--- FAIL: $1"
+    diff -u --label expected --label actual "$2" "$3" | head -n 40 | cat -A | sed 's/\$$//'
+  fi
+}
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+for bas in "$here"/programs/*.bas; do
+  [ -e "$bas" ] || continue
+  name=$(basename "$bas" .bas)
+  [[ -n "$filter" && "$name" != *$filter* ]] && continue
+  stdin=/dev/null
+  [ -f "${bas%.bas}.stdin" ] && stdin="${bas%.bas}.stdin"
+  # Programs run in their own folder so that relative file names work.
+  (cd "$here/programs" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+  echo "exit $?" >>"$work/out"
+  check "programs/$name" "${bas%.bas}.out" "$work/out"
+done
+
+for input in "$here"/sessions/*.in; do
+  [ -e "$input" ] || continue
+  name=$(basename "$input" .in)
+  [[ -n "$filter" && "$name" != *$filter* ]] && continue
+  # Sessions run in a scratch folder: SAVE and GET stay inside it, and the
+  # fixture files of tests/sessions/files are there to load.
+  rm -rf "$work/run" && mkdir -p "$work/run"
+  [ -d "$here/sessions/files" ] && cp -r "$here/sessions/files/." "$work/run/"
+  # The three banner lines are left out of the expectation.
+  (cd "$work/run" && timeout 20 "$basic" <"$input" 2>/dev/null | tail -n +4 >"$work/out")
+  check "sessions/$name" "${input%.in}.out" "$work/out"
+done
+
+echo "e2e: $pass passed, $fail failed"
+[ "$fail" -eq 0 ]
