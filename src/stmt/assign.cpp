@@ -1,12 +1,219 @@
-// Placeholder until this statement family lands.
+// LET, written or implied: one or more assignments joined by ";", each storing
+// one value into a list of targets.
+#include <vector>
+
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseLet(Program&) {
-  SetParseError(kNotSupported);
+namespace {
+
+class LetList {
+ public:
+  virtual ~LetList() = default;
+  virtual void List(std::string& out) const = 0;
+  virtual size_t Size() const = 0;
+  virtual void Execute() = 0;
+};
+using LetListPtr = std::unique_ptr<LetList>;
+
+// The targets of one assignment with the separator written before each one
+// after the first ("," or "="); the listing gives them back as written.
+template <typename Var>
+class TargetList final {
+ public:
+  void Add(char separator, std::unique_ptr<Var> var) {
+    separators_ += separator;
+    vars_.push_back(std::move(var));
+  }
+  void DropLast() {
+    separators_.pop_back();
+    vars_.pop_back();
+  }
+  bool Empty() const { return vars_.empty(); }
+  char LastSeparator() const { return separators_.back(); }
+  void List(std::string& out) const {
+    for (size_t i = 0; i < vars_.size(); ++i) {
+      if (i > 0) out += separators_[i];
+      vars_[i]->List(out);
+    }
+  }
+  size_t Size() const {
+    size_t size = sizeof *this + separators_.capacity();
+    for (const auto& var : vars_) size += var->Size();
+    return size;
+  }
+  template <typename Value>
+  void Assign(Value value) {
+    for (const auto& var : vars_) var->Assign(value);
+  }
+
+ private:
+  std::vector<std::unique_ptr<Var>> vars_;
+  std::string separators_;  // separators_[0] is unused
+};
+
+class LetGroup final : public LetList {
+ public:
+  LetGroup(LetListPtr first, LetListPtr rest) : first_(std::move(first)), rest_(std::move(rest)) {}
+  void List(std::string& out) const override {
+    first_->List(out);
+    out += "; ";
+    rest_->List(out);
+  }
+  size_t Size() const override { return sizeof *this + first_->Size() + rest_->Size(); }
+  void Execute() override {
+    first_->Execute();
+    rest_->Execute();
+  }
+
+ private:
+  LetListPtr first_, rest_;
+};
+
+class LetNumeric final : public LetList {
+ public:
+  LetNumeric(TargetList<NumericVar> targets, NumericExpPtr exp)
+      : targets_(std::move(targets)), exp_(std::move(exp)) {}
+  void List(std::string& out) const override {
+    targets_.List(out);
+    out += '=';
+    exp_->List(out);
+  }
+  size_t Size() const override { return sizeof *this + targets_.Size() + exp_->Size(); }
+  void Execute() override { targets_.Assign(exp_->Evaluate()); }
+
+ private:
+  TargetList<NumericVar> targets_;
+  NumericExpPtr exp_;
+};
+
+class LetString final : public LetList {
+ public:
+  LetString(TargetList<StringVar> targets, StringExpPtr exp)
+      : targets_(std::move(targets)), exp_(std::move(exp)) {}
+  void List(std::string& out) const override {
+    targets_.List(out);
+    out += '=';
+    exp_->List(out);
+  }
+  size_t Size() const override {
+    return sizeof *this + targets_.Size() + exp_->Size() + work_.Capacity();
+  }
+  // The value may be a view of a target (A$[2]=A$), so it is copied into the
+  // statement's own buffer before the first store.
+  void Execute() override {
+    std::string_view value = exp_->Evaluate(work_);
+    const char* own = work_.Data();
+    if (value.data() < own || value.data() > own + work_.Capacity()) {
+      work_.Clear();
+      work_.Append(value);
+      value = work_.View();
+    }
+    targets_.Assign(value);
+  }
+
+ private:
+  TargetList<StringVar> targets_;
+  StringExpPtr exp_;
+  StringValue work_;
+};
+
+class LetStmt : public Statement {
+ public:
+  explicit LetStmt(LetListPtr list) : list_(std::move(list)) {}
+  Statement* Execute() override {
+    list_->Execute();
+    return successor_;
+  }
+  TokenCode Code() const override { return tok::kLet; }
+  size_t Size() const override { return sizeof *this + list_->Size(); }
+  void List(std::string& out) const override { list_->List(out); }
+
+ private:
+  LetListPtr list_;
+};
+
+class LetLetStmt final : public LetStmt {
+ public:
+  using LetStmt::LetStmt;
+  void List(std::string& out) const override {
+    out += "LET ";
+    LetStmt::List(out);
+  }
+};
+
+// Targets joined by "," or "=", then "=" and the expression. An "=" may also
+// start the expression (A=B+1), so targets after an "=" are given back one
+// at a time until the rest parses.
+template <typename Var, typename ExpPtr, typename Item>
+LetListPtr ParseItem(Program& p, std::unique_ptr<Var> (*parseVar)(Program&),
+                     ExpPtr (*parseExp)(Program&), ErrorCode missing) {
+  size_t start = p.Mark();
+  TargetList<Var> targets;
+  std::vector<size_t> marks;  // position before the separator of each later target
+  std::unique_ptr<Var> var = parseVar(p);
+  if (!var) return nullptr;
+  targets.Add(' ', std::move(var));
+  for (;;) {
+    size_t mark = p.Mark();
+    TokenCode sep = p.GetToken();
+    if (sep != tok::kComma && sep != tok::kEQ) {
+      p.Restore(mark);
+      break;
+    }
+    if (!(var = parseVar(p))) {
+      p.Restore(mark);
+      break;
+    }
+    targets.Add(sep == tok::kComma ? ',' : '=', std::move(var));
+    marks.push_back(mark);
+  }
+  for (;;) {
+    if (p.Accept(tok::kEQ))
+      if (ExpPtr exp = parseExp(p))
+        return std::make_unique<Item>(std::move(targets), std::move(exp));
+    if (marks.empty() || targets.LastSeparator() != '=') break;
+    SetParseError(0);
+    p.Restore(marks.back());
+    marks.pop_back();
+    targets.DropLast();
+  }
+  p.Restore(start);
+  SetParseError(missing);
   return nullptr;
 }
-StatementPtr ParseImpliedLet(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+LetListPtr ParseAssignment(Program& p) {
+  LetListPtr item =
+      ParseItem<NumericVar, NumericExpPtr, LetNumeric>(p, ParseNumericVar, ParseNumericExp, 35);
+  if (!item && !g_err.parse)
+    item = ParseItem<StringVar, StringExpPtr, LetString>(p, ParseStringVar, ParseStringExp, 36);
+  if (!item || !p.Accept(tok::kSemicolon)) return item;
+  LetListPtr rest = ParseAssignment(p);
+  if (rest) return std::make_unique<LetGroup>(std::move(item), std::move(rest));
+  // A trailing ";" is harmless; an item after it that fails fails the statement.
+  return g_err.parse ? nullptr : std::move(item);
+}
+
+}  // namespace
+
+StatementPtr ParseLet(Program& p) {
+  size_t mark = p.Mark();
+  LetListPtr list = ParseAssignment(p);
+  if (!list) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(24);
+    return nullptr;
+  }
+  return std::make_unique<LetLetStmt>(std::move(list));
+}
+
+StatementPtr ParseImpliedLet(Program& p) {
+  size_t mark = p.Mark();
+  LetListPtr list = ParseAssignment(p);
+  if (!list) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  return std::make_unique<LetStmt>(std::move(list));
 }
