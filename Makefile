@@ -1,0 +1,71 @@
+# Two commands do everything on a fresh Debian machine:
+#   make run    builds, then starts the interpreter (make run ARGS=prog.bas runs a program)
+#   make test   builds, then runs every test: unit, end-to-end, real terminal, sanitizers
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+ARGS       ?=
+
+# Debian packages: what the build needs, and what the tests need.
+BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
+TEST_PKGS  := libgtest-dev tmux xvfb
+OPT_PKGS   := ccache libbenchmark-dev
+
+.PHONY: all run test deps build unit e2e terminal asan bench format clean
+
+all: build
+
+deps:
+	@missing=""; for p in $(BUILD_PKGS) $(TEST_PKGS) $(OPT_PKGS); do \
+	  dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  if [ "$$(id -u)" = 0 ] && command -v apt-get >/dev/null; then \
+	    echo "Installing:$$missing"; \
+	    apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $$missing >/dev/null \
+	      || { echo "apt-get could not install:$$missing"; exit 1; }; \
+	  else \
+	    echo "Missing Debian packages:$$missing"; \
+	    echo "Install them with: sudo apt-get install$$missing"; \
+	    for p in $(BUILD_PKGS) libgtest-dev; do case " $$missing " in *" $$p "*) exit 1;; esac; done; \
+	  fi; \
+	fi
+
+$(BUILD)/CMakeCache.txt:
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
+
+build: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j$(JOBS)
+
+run: build
+	$(BUILD)/basic $(ARGS)
+
+unit: build
+	cd $(BUILD) && ctest --output-on-failure
+
+e2e: build
+	tests/run_e2e.sh $(BUILD)/basic
+
+terminal: build
+	tests/terminal/editor_tmux.sh $(BUILD)/line_echo
+	tests/terminal/shell_tmux.sh $(BUILD)/basic
+
+# The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
+asan: deps
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DBASIC_SANITIZE=ON
+	cmake --build $(ASAN_BUILD) -j$(JOBS)
+	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
+	ASAN_OPTIONS=detect_leaks=1 tests/run_e2e.sh $(ASAN_BUILD)/basic
+
+test: unit e2e terminal asan
+
+bench: deps
+	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DBASIC_BENCH=ON
+	cmake --build build-bench -j$(JOBS)
+	build-bench/basic_bench
+	bench/compare.sh build-bench/basic
+
+format:
+	clang-format -i $$(git ls-files '*.cpp' '*.h')
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) build-bench
