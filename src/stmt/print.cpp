@@ -1,8 +1,58 @@
-// Placeholder until this statement family lands.
+// PRINT to the console: bare, or with a print list.
+#include "console/console.h"
+#include "format/print_list.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParsePrint(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+namespace {
+
+class PrintStmt : public Statement {
+ public:
+  TokenCode Code() const override { return tok::kPrint; }
+};
+
+// A bare PRINT ends the line through the plain path, as the shell's own output does.
+class PrintConsoleStmt final : public PrintStmt {
+ public:
+  Statement* Execute() override {
+    TheConsole().PutPlain('\n');
+    return successor_;
+  }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "PRINT"; }
+};
+
+class PrintConsoleListStmt final : public PrintStmt {
+ public:
+  PrintConsoleListStmt(PrintSpecPtr items, PrintSpecPtr end)
+      : items_(std::move(items)), end_(std::move(end)) {}
+  Statement* Execute() override {
+    items_->Execute();
+    end_->Execute();
+    return successor_;
+  }
+  size_t Size() const override { return sizeof *this + items_->Size() + end_->Size(); }
+  void List(std::string& out) const override {
+    out += "PRINT ";
+    items_->List(out);
+    end_->List(out);
+  }
+
+ private:
+  PrintSpecPtr items_;
+  PrintSpecPtr end_;  // the newline, or the trailing separator
+};
+
+}  // namespace
+
+StatementPtr ParsePrint(Program& p) {
+  TokenCode next = p.Peek();
+  if (next == tok::kEndOfLine || next == tok::kComment) return std::make_unique<PrintConsoleStmt>();
+  if (next == tok::kUsing) {
+    SetParseError(kNotSupported);  // PRINT USING comes with IMAGE formats
+    return nullptr;
+  }
+  PrintSpecPtr items, end;
+  if (!ParsePrintList(p, &items, &end)) return nullptr;
+  return std::make_unique<PrintConsoleListStmt>(std::move(items), std::move(end));
 }

@@ -1,0 +1,67 @@
+#include "format/number_format.h"
+
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+
+#include "console/console.h"
+#include "format/print_list.h"
+
+namespace {
+
+// A float truncated to 32 bits the way the hardware does it: out-of-range
+// values become INT_MIN, which the magnitude tests send to the exponent form.
+int32_t Truncate(double x) {
+  if (x >= -2147483648.0 && x < 2147483648.0) return static_cast<int32_t>(x);
+  return INT32_MIN;
+}
+
+}  // namespace
+
+size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve) {
+  constexpr size_t n = kNumberBufferSize;
+  double x = value;
+  double whole;
+  int length;
+  if (std::modf(x, &whole) == 0.0) {
+    int32_t i = Truncate(x);
+    if (i >= -999 && i <= 999) {
+      *reserve = 4;
+      length = i >= 0 ? snprintf(buffer, n, " %-3d  ", i) : snprintf(buffer, n, "%+-4d  ", i);
+    } else if (i >= -32767 && i <= 32767) {
+      *reserve = 6;
+      length = i >= 0 ? snprintf(buffer, n, " %-5d   ", i) : snprintf(buffer, n, "%+-5d   ", i);
+    } else if (i >= -99999 && i <= 99999) {
+      *reserve = 8;
+      length =
+          x >= 0 ? snprintf(buffer, n, " %-5lg.    ", x) : snprintf(buffer, n, "%+-6lg.    ", x);
+    } else if (i >= -999999 && i <= 999999) {
+      *reserve = 8;
+      length =
+          x >= 0 ? snprintf(buffer, n, " %-6lG.    ", x) : snprintf(buffer, n, "%+-7lG.    ", x);
+    } else {
+      *reserve = 11;
+      length =
+          x >= 0 ? snprintf(buffer, n, " %-10.5lE   ", x) : snprintf(buffer, n, "%+-11.5lE   ", x);
+    }
+  } else if (x > -999999.5 && x < 999999.5) {
+    *reserve = 8;
+    length =
+        x >= 0 ? snprintf(buffer, n, " %-6.5lG    ", x) : snprintf(buffer, n, "%+-7.5lG    ", x);
+  } else {
+    *reserve = 11;
+    length =
+        x >= 0 ? snprintf(buffer, n, " %-10.5lE   ", x) : snprintf(buffer, n, "%+-11.5lE   ", x);
+  }
+  return length < 0 ? 0 : static_cast<size_t>(length);
+}
+
+void PrintNumber(float value) {
+  char buffer[kNumberBufferSize];
+  int reserve;
+  size_t length = FormatNumber(value, buffer, &reserve);
+  Console& con = TheConsole();
+  FoldLine(con, reserve);
+  for (size_t i = 0; i < length; ++i) con.PutEsc(buffer[i]);
+}

@@ -1,0 +1,323 @@
+#include "format/print_list.h"
+
+#include <climits>
+#include <cmath>
+
+#include "console/console.h"
+#include "format/number_format.h"
+#include "shell/program.h"
+
+void NewPrintLine(Console& con) {
+  con.PutEsc('\r');
+  con.PutEsc('\n');
+}
+
+void FoldLine(Console& con, int reserve) {
+  int width = con.Width();
+  int column = con.Column();
+  if (width > 0 && column != 0 && column + reserve > width) NewPrintLine(con);
+}
+
+void CommaZone(Console& con) {
+  if (con.CursorX() > 60) {
+    NewPrintLine(con);
+    return;
+  }
+  while (con.Column() % 15 != 0) con.PutEsc(' ');
+}
+
+void PrintText(std::string_view text) {
+  Console& con = TheConsole();
+  if (!text.empty()) FoldLine(con, static_cast<int>(std::min<size_t>(text.size(), INT_MAX)));
+  for (char c : text) con.PutEsc(c);
+}
+
+namespace {
+
+// Integer part of a print function's argument; out-of-range values give
+// INT_MIN, as the hardware conversion does, so they act as "nothing".
+int IntegerPart(double x) {
+  if (x >= -2147483648.0 && x < 2147483648.0) return static_cast<int>(x);
+  return INT_MIN;
+}
+
+// --- Joining nodes: the left item, then the rest of the list.
+
+class PrintSpecGroup : public PrintSpecList {
+ public:
+  PrintSpecGroup(PrintSpecPtr left, PrintSpecPtr right)
+      : left_(std::move(left)), right_(std::move(right)) {}
+  size_t Size() const override { return sizeof *this + left_->Size() + right_->Size(); }
+
+ protected:
+  PrintSpecPtr left_, right_;
+};
+
+class PrintCommaSpecGroup final : public PrintSpecGroup {
+ public:
+  using PrintSpecGroup::PrintSpecGroup;
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += ',';
+    right_->List(out);
+  }
+  int Kind() const override { return static_cast<int>(tok::kComma); }
+  void Execute() override {
+    left_->Execute();
+    CommaZone(TheConsole());
+    right_->Execute();
+  }
+};
+
+class PrintSemiSpecGroup final : public PrintSpecGroup {
+ public:
+  using PrintSpecGroup::PrintSpecGroup;
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += ';';
+    right_->List(out);
+  }
+  int Kind() const override { return static_cast<int>(tok::kSemicolon); }
+  void Execute() override {
+    left_->Execute();
+    right_->Execute();
+  }
+};
+
+// Items written side by side; a blank keeps the listing from gluing two names.
+class PrintNoneSpecGroup final : public PrintSpecGroup {
+ public:
+  using PrintSpecGroup::PrintSpecGroup;
+  void List(std::string& out) const override {
+    left_->List(out);
+    out += ' ';
+    right_->List(out);
+  }
+  int Kind() const override { return 0; }
+  void Execute() override {
+    left_->Execute();
+    right_->Execute();
+  }
+};
+
+// --- Items.
+
+class PrintNumericSpec final : public PrintSpecList {
+ public:
+  explicit PrintNumericSpec(NumericExpPtr exp) : exp_(std::move(exp)) {}
+  size_t Size() const override { return sizeof *this + exp_->Size(); }
+  void List(std::string& out) const override { exp_->List(out); }
+  int Kind() const override { return exp_->Kind(); }
+  void Execute() override { PrintNumber(exp_->Evaluate()); }
+
+ private:
+  NumericExpPtr exp_;
+};
+
+class PrintStringSpec final : public PrintSpecList {
+ public:
+  explicit PrintStringSpec(StringExpPtr exp) : exp_(std::move(exp)) {}
+  size_t Size() const override { return sizeof *this + exp_->Size() + work_.Capacity(); }
+  void List(std::string& out) const override { exp_->List(out); }
+  int Kind() const override {
+    return exp_->Kind() == StringExp::kLiteral ? StringExp::kLiteral : kStringItem;
+  }
+  void Execute() override { PrintText(exp_->Evaluate(work_)); }
+
+ private:
+  StringExpPtr exp_;
+  StringValue work_;  // grows once to the longest value and is reused
+};
+
+class PrintFunctionSpec : public PrintSpecList {
+ public:
+  explicit PrintFunctionSpec(NumericExpPtr arg) : arg_(std::move(arg)) {}
+  size_t Size() const override { return sizeof *this + arg_->Size(); }
+
+ protected:
+  void ListCall(std::string& out, const char* name) const {
+    out += name;
+    out += '(';
+    arg_->List(out);
+    out += ')';
+  }
+  // Rounded magnitude: the sign of TAB and SPA arguments is ignored.
+  int Magnitude() { return IntegerPart(std::fabs(double{arg_->Evaluate()}) + 0.5); }
+
+  NumericExpPtr arg_;
+};
+
+class PrintFuncTabSpec final : public PrintFunctionSpec {
+ public:
+  using PrintFunctionSpec::PrintFunctionSpec;
+  void List(std::string& out) const override { ListCall(out, "TAB"); }
+  int Kind() const override { return static_cast<int>(tok::kFnTab); }
+  void Execute() override {
+    int n = Magnitude();
+    Console& con = TheConsole();
+    int column = con.Column();
+    if (n < 1 || n < column) return;
+    int width = con.Width();
+    if (width > 0 && column != 0 && n > column && n > width) {
+      NewPrintLine(con);
+      return;
+    }
+    while (con.Column() < n) con.PutEsc(' ');
+  }
+};
+
+class PrintFuncSpaSpec final : public PrintFunctionSpec {
+ public:
+  using PrintFunctionSpec::PrintFunctionSpec;
+  void List(std::string& out) const override { ListCall(out, "SPA"); }
+  int Kind() const override { return static_cast<int>(tok::kFnSpa); }
+  void Execute() override {
+    int n = Magnitude();
+    if (n < 1) return;
+    Console& con = TheConsole();
+    int width = con.Width();
+    int column = con.Column();
+    if (width > 0 && column != 0 && static_cast<long>(column) + n > width) {
+      NewPrintLine(con);
+      return;
+    }
+    for (int i = 0; i < n; ++i) con.PutEsc(' ');
+  }
+};
+
+class PrintFuncLinSpec final : public PrintFunctionSpec {
+ public:
+  using PrintFunctionSpec::PrintFunctionSpec;
+  void List(std::string& out) const override { ListCall(out, "LIN"); }
+  int Kind() const override { return static_cast<int>(tok::kFnLin); }
+  // LIN(n) starts n new lines; a negative count only feeds lines.
+  void Execute() override {
+    int n = IntegerPart(std::floor(double{arg_->Evaluate()} + 0.5));
+    if (n == 0) return;
+    Console& con = TheConsole();
+    if (n > 0) con.PutEsc('\r');
+    long count = n > 0 ? n : -static_cast<long>(n);
+    for (long i = 0; i < count; ++i) con.PutEsc('\n');
+  }
+};
+
+// --- End markers.
+
+class PrintNewLineSpec final : public PrintSpecList {
+ public:
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string&) const override {}
+  int Kind() const override { return kNewLineEnd; }
+  void Execute() override { NewPrintLine(TheConsole()); }
+};
+
+class PrintEndSemiSpec final : public PrintSpecList {
+ public:
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += ';'; }
+  int Kind() const override { return kSemiEnd; }
+  void Execute() override {}
+};
+
+class PrintEndCommaSpec final : public PrintSpecList {
+ public:
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += ','; }
+  int Kind() const override { return kCommaEnd; }
+  void Execute() override { CommaZone(TheConsole()); }
+};
+
+// TAB, SPA or LIN with its parenthesised argument (the name consumed).
+PrintSpecPtr ParsePrintFunction(Program& p, TokenCode code) {
+  if (!p.Accept(tok::kLParen)) {
+    SetParseError(28);
+    return nullptr;
+  }
+  NumericExpPtr arg = ParseNumericExp(p);
+  if (!arg) {
+    if (!g_err.parse) SetParseError(35);
+    return nullptr;
+  }
+  if (!p.Accept(tok::kRParen)) {
+    SetParseError(29);
+    return nullptr;
+  }
+  switch (code) {
+    case tok::kFnTab:
+      return std::make_unique<PrintFuncTabSpec>(std::move(arg));
+    case tok::kFnSpa:
+      return std::make_unique<PrintFuncSpaSpec>(std::move(arg));
+    default:
+      return std::make_unique<PrintFuncLinSpec>(std::move(arg));
+  }
+}
+
+// One item: a print function, else a numeric expression (string comparisons
+// included), else a string expression. Null, with the position restored,
+// when none fits; the error stays 0 when nothing item-like was there.
+PrintSpecPtr ParsePrintItem(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode code = p.GetToken();
+  if (code == tok::kFnTab || code == tok::kFnSpa || code == tok::kFnLin) {
+    PrintSpecPtr item = ParsePrintFunction(p, code);
+    if (!item) p.Restore(mark);
+    return item;
+  }
+  p.Restore(mark);
+  if (NumericExpPtr exp = ParseNumericExp(p))
+    return std::make_unique<PrintNumericSpec>(std::move(exp));
+  ErrorCode numericError = g_err.parse;
+  SetParseError(0);
+  p.Restore(mark);
+  if (StringExpPtr exp = ParseStringExp(p))
+    return std::make_unique<PrintStringSpec>(std::move(exp));
+  p.Restore(mark);
+  if (!g_err.parse) SetParseError(numericError);
+  return nullptr;
+}
+
+bool AtStatementEnd(Program& p) {
+  TokenCode next = p.Peek();
+  return next == tok::kEndOfLine || next == tok::kComment;
+}
+
+}  // namespace
+
+// Items followed by another item without a separator are joined by a
+// none-group; a separator at the end of the statement becomes the end marker.
+bool ParsePrintList(Program& p, PrintSpecPtr* items, PrintSpecPtr* end) {
+  size_t start = p.Mark();
+  PrintSpecPtr first = ParsePrintItem(p);
+  if (!first) {
+    if (!g_err.parse) SetParseError(37);
+    p.Restore(start);
+    return false;
+  }
+  TokenCode sep = p.GetToken();
+  if (sep != tok::kComma && sep != tok::kSemicolon) {
+    p.BackUp();
+    sep = 0;
+  }
+  if (AtStatementEnd(p)) {
+    *items = std::move(first);
+    if (sep == tok::kComma)
+      *end = std::make_unique<PrintEndCommaSpec>();
+    else if (sep == tok::kSemicolon)
+      *end = std::make_unique<PrintEndSemiSpec>();
+    else
+      *end = std::make_unique<PrintNewLineSpec>();
+    return true;
+  }
+  PrintSpecPtr rest;
+  if (!ParsePrintList(p, &rest, end)) {
+    p.Restore(start);
+    return false;
+  }
+  if (sep == tok::kComma)
+    *items = std::make_unique<PrintCommaSpecGroup>(std::move(first), std::move(rest));
+  else if (sep == tok::kSemicolon)
+    *items = std::make_unique<PrintSemiSpecGroup>(std::move(first), std::move(rest));
+  else
+    *items = std::make_unique<PrintNoneSpecGroup>(std::move(first), std::move(rest));
+  return true;
+}

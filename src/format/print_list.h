@@ -1,0 +1,35 @@
+// PRINT lists: items, print functions and separators as a tree parsed once,
+// listed back and executed onto the console, plus the layout rules they share.
+#pragma once
+#include <memory>
+#include <string>
+#include <string_view>
+
+class Console;
+class Program;
+
+class PrintSpecList {
+ public:
+  // Kind tags of the nodes that are neither expressions nor print functions.
+  static constexpr int kStringItem = 8192;
+  static constexpr int kNewLineEnd = 29, kSemiEnd = 30, kCommaEnd = 31;
+
+  virtual ~PrintSpecList() = default;
+  virtual size_t Size() const = 0;
+  virtual void List(std::string& out) const = 0;
+  virtual int Kind() const = 0;
+  virtual void Execute() = 0;
+};
+using PrintSpecPtr = std::unique_ptr<PrintSpecList>;
+
+// Parses "item {[,|;] item} [,|;]" up to the end of the statement into the
+// items' tree and the end marker that closes it. False with the parse error
+// set (position restored) when an item is missing or malformed.
+bool ParsePrintList(Program& prog, PrintSpecPtr* items, PrintSpecPtr* end);
+
+// Layout steps shared by PRINT, PRINT USING and MAT PRINT.
+void NewPrintLine(Console& con);  // CR then LF through the escape path
+// Starts a new line when the item of `reserve` characters would pass the width.
+void FoldLine(Console& con, int reserve);
+void CommaZone(Console& con);  // next 15-column zone, or a new line past column 60
+void PrintText(std::string_view text);
