@@ -1,8 +1,254 @@
-// Placeholder until this statement family lands.
+// DIM: arrays and declared string lengths, created by the link pass.
+#include <cmath>
+#include <cstdint>
+
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseDim(Program&) {
-  SetParseError(kNotSupported);
+namespace {
+
+// One declared name of a DIM list.
+class DimSpec {
+ public:
+  explicit DimSpec(const VarToken* name) : name_(name) {}
+  virtual ~DimSpec() = default;
+  // Creates the variable in the program; 61 when it exists already.
+  virtual ErrorCode Link(Program& prog) const = 0;
+  virtual void List(std::string& out) const = 0;
+  virtual size_t Size() const { return sizeof *this; }
+  // Two items clash when they declare the same name in the same heap.
+  bool Clashes(const DimSpec& other) const {
+    return name_ == other.name_ &&
+           tok::Category(name_->Code()) == tok::Category(other.name_->Code());
+  }
+
+ protected:
+  const VarToken* name_;
+};
+using DimSpecPtr = std::unique_ptr<DimSpec>;
+
+void ListLength(std::string& out, uint32_t length) {
+  out += '[';
+  out += std::to_string(length);
+  out += ']';
+}
+
+class DimNumericArraySpec final : public DimSpec {
+ public:
+  DimNumericArraySpec(const VarToken* name, std::vector<uint32_t> bounds)
+      : DimSpec(name), bounds_(std::move(bounds)) {}
+  ErrorCode Link(Program& prog) const override {
+    auto& slot = prog.NumericArray(name_);
+    if (slot) return 61;
+    return MakeNumericArray(name_, DimensionList(bounds_), &slot);
+  }
+  void List(std::string& out) const override {
+    out += name_->Name();
+    out += '(';
+    DimensionList(bounds_).List(out);
+    out += ')';
+  }
+  size_t Size() const override { return sizeof *this + bounds_.size() * sizeof(uint32_t); }
+
+ private:
+  std::vector<uint32_t> bounds_;
+};
+
+// A string array; length 0 when none was declared (the length is only listed).
+class DimStringArraySpec final : public DimSpec {
+ public:
+  DimStringArraySpec(const VarToken* name, std::vector<uint32_t> bounds, uint32_t length)
+      : DimSpec(name), bounds_(std::move(bounds)), length_(length) {}
+  ErrorCode Link(Program& prog) const override {
+    auto& slot = prog.StringArray(name_);
+    if (slot) return 61;
+    return MakeStringArray(name_, DimensionList(bounds_), &slot);
+  }
+  void List(std::string& out) const override {
+    out += name_->Name();
+    out += '(';
+    DimensionList(bounds_).List(out);
+    out += ')';
+    if (length_) ListLength(out, length_);
+  }
+  size_t Size() const override { return sizeof *this + bounds_.size() * sizeof(uint32_t); }
+
+ private:
+  std::vector<uint32_t> bounds_;
+  uint32_t length_;
+};
+
+// A string scalar with its declared length, which does not limit its values.
+class DimStringSimpleSpec final : public DimSpec {
+ public:
+  DimStringSimpleSpec(const VarToken* name, uint32_t length) : DimSpec(name), length_(length) {}
+  ErrorCode Link(Program& prog) const override {
+    if (prog.FindStringSimple(name_)) return 61;
+    prog.StringSimple(name_);
+    return 0;
+  }
+  void List(std::string& out) const override {
+    out += name_->Name();
+    ListLength(out, length_);
+  }
+
+ private:
+  uint32_t length_;
+};
+
+class DimStmt final : public Statement {
+ public:
+  explicit DimStmt(std::vector<DimSpecPtr> specs) : specs_(std::move(specs)) {}
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kDim; }
+  size_t Size() const override {
+    size_t size = sizeof *this;
+    for (const auto& s : specs_) size += s->Size();
+    return size;
+  }
+  void List(std::string& out) const override {
+    out += "DIM ";
+    for (size_t i = 0; i < specs_.size(); ++i) {
+      if (i) out += ',';
+      specs_[i]->List(out);
+    }
+  }
+  bool IsExecutable() const override { return false; }
+  ErrorCode Check(Program& prog) override {
+    for (const auto& s : specs_)
+      if (ErrorCode code = s->Link(prog)) return Raise(code, Location());
+    return 0;
+  }
+
+ private:
+  std::vector<DimSpecPtr> specs_;
+};
+
+// A bound or a declared length: a constant rounded half up; 67 below 0.5
+// and when no constant is there.
+bool ParseBound(Program& p, uint32_t* out) {
+  float value;
+  if (!p.AcceptConstant(&value) || !(value >= 0.5f)) {
+    SetParseError(67);
+    return false;
+  }
+  // Bounds past 32 bits are kept at the largest count; creating the array refuses them.
+  double rounded = std::floor(double{value} + 0.5);
+  *out = rounded >= 4294967295.0 ? UINT32_MAX : static_cast<uint32_t>(rounded);
+  return true;
+}
+
+// "(" bounds ")"; numeric arrays also take "[" and "]", each side on its own.
+// Every failure of the bounds is reported as 47.
+bool ParseDimensions(Program& p, bool numeric, std::vector<uint32_t>* bounds) {
+  if (!p.Accept(tok::kLParen) && !(numeric && p.Accept(tok::kLBracket))) {
+    SetParseError(28);
+    return false;
+  }
+  bool ok = false;
+  uint32_t bound;
+  if (ParseBound(p, &bound)) {
+    bounds->push_back(bound);
+    ok = true;
+    while (ok && p.Accept(tok::kComma)) {
+      ok = ParseBound(p, &bound);
+      if (ok) bounds->push_back(bound);
+    }
+  }
+  if (!ok || !(p.Accept(tok::kRParen) || (numeric && p.Accept(tok::kRBracket)))) {
+    SetParseError(47);
+    return false;
+  }
+  return true;
+}
+
+// "[" length "]" after a string name or array; 30 and 31 for missing brackets.
+bool ParseLength(Program& p, uint32_t* length) {
+  if (!p.Accept(tok::kLBracket)) {
+    SetParseError(30);
+    return false;
+  }
+  if (!ParseBound(p, length)) return false;
+  if (!p.Accept(tok::kRBracket)) {
+    SetParseError(31);
+    return false;
+  }
+  return true;
+}
+
+const VarToken* NameIn(Program& p, TokenCode category) {
+  if (tok::Category(p.GetToken()) != category) return nullptr;
+  return static_cast<const VarToken*>(p.Symbol());
+}
+
+// One item, its forms tried in a fixed order; each failed attempt restores
+// the position, and a later form is tried only while no error is stored.
+DimSpecPtr ParseDimSpec(Program& p) {
+  size_t mark = p.Mark();
+  std::vector<uint32_t> bounds;
+  uint32_t length = 0;
+
+  // String array, with or without a length.
+  if (const VarToken* name = NameIn(p, tok::kStrArray)) {
+    if (!ParseDimensions(p, false, &bounds)) {
+      if (!g_err.parse) SetParseError(60);
+      p.Restore(mark);
+      return nullptr;
+    }
+    if (!p.Accept(tok::kLBracket))
+      return std::make_unique<DimStringArraySpec>(name, std::move(bounds), 0);
+    if (ParseBound(p, &length)) {
+      if (p.Accept(tok::kRBracket))
+        return std::make_unique<DimStringArraySpec>(name, std::move(bounds), length);
+      SetParseError(31);
+    }
+    p.Restore(mark);
+    return nullptr;
+  }
+  p.Restore(mark);
+
+  // String scalar: a length is required, so a bare name fails with 30.
+  if (const VarToken* name = NameIn(p, tok::kStrVar)) {
+    if (ParseLength(p, &length)) return std::make_unique<DimStringSimpleSpec>(name, length);
+    p.Restore(mark);
+    return nullptr;
+  }
+  p.Restore(mark);
+
+  if (const VarToken* name = NameIn(p, tok::kNumArray)) {
+    if (ParseDimensions(p, true, &bounds))
+      return std::make_unique<DimNumericArraySpec>(name, std::move(bounds));
+  }
+  p.Restore(mark);
   return nullptr;
+}
+
+}  // namespace
+
+StatementPtr ParseDim(Program& p) {
+  size_t mark = p.Mark();
+  std::vector<DimSpecPtr> specs;
+  DimSpecPtr first = ParseDimSpec(p);
+  if (!first) {
+    if (!g_err.parse) SetParseError(50);
+    return nullptr;
+  }
+  specs.push_back(std::move(first));
+  while (p.Accept(tok::kComma)) {
+    DimSpecPtr next = ParseDimSpec(p);
+    if (!next) {
+      SetParseError(50);
+      p.Restore(mark);
+      return nullptr;
+    }
+    specs.push_back(std::move(next));
+  }
+  for (size_t i = 0; i < specs.size(); ++i)
+    for (size_t j = i + 1; j < specs.size(); ++j)
+      if (specs[i]->Clashes(*specs[j])) {
+        SetParseError(61);
+        p.Restore(mark);
+        return nullptr;
+      }
+  return std::make_unique<DimStmt>(std::move(specs));
 }

@@ -1,8 +1,155 @@
-// Placeholder until this statement family lands.
-#include "shell/program.h"
-#include "stmt/parsers.h"
+// INPUT: typed values into a list of variables, with the classic re-type prompts.
+#include <cstdlib>
 
-StatementPtr ParseInput(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+#include "console/console.h"
+#include "shell/program.h"
+#include "stmt/input_scanner.h"
+#include "stmt/parsers.h"
+#include "stmt/targets.h"
+
+namespace {
+
+// Value of the hexadecimal digits after "0x".
+float HexValue(std::string_view text) {
+  double value = 0;
+  for (char c : text.substr(2)) value = value * 16 + (c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
+  return static_cast<float>(value);
+}
+
+class InputStmt : public Statement {
+ public:
+  explicit InputStmt(TargetList targets) : targets_(std::move(targets)) {}
+  Statement* Execute() override;
+  TokenCode Code() const override { return tok::kInput; }
+  size_t Size() const override { return sizeof *this + TargetsSize(targets_); }
+  void List(std::string& out) const override {
+    out += "INPUT ";
+    ListPrompt(out);
+    ListTargets(out, targets_);
+  }
+
+ protected:
+  virtual const char* Prompt() const { return "?"; }
+  virtual void ListPrompt(std::string&) const {}
+
+ private:
+  // Prints the prompt and reads the next line into scanner; false when the
+  // INPUT ends (an empty line, a break, or the end of input with 2004 raised).
+  bool Ask(const char* prompt);
+
+  TargetList targets_;
+  InputScanner scanner_;
+  char line_[Console::kLineMax + 1];
+};
+
+class InputPromptStmt final : public InputStmt {
+ public:
+  InputPromptStmt(std::string_view prompt, TargetList targets)
+      : InputStmt(std::move(targets)), prompt_(prompt) {}
+  size_t Size() const override { return InputStmt::Size() + prompt_.size(); }
+
+ protected:
+  const char* Prompt() const override { return prompt_.c_str(); }
+  void ListPrompt(std::string& out) const override {
+    ListStringLiteral(out, prompt_);
+    out += ',';
+  }
+
+ private:
+  std::string prompt_;
+};
+
+bool InputStmt::Ask(const char* prompt) {
+  Console& con = TheConsole();
+  con.Printf("%s", prompt);
+  int n = con.ReadLine(line_);
+  if (n == Console::kEndOfInput) Raise(2004, Location());
+  if (n <= 0) return false;
+  scanner_.Start(line_);
+  return true;
+}
+
+Statement* InputStmt::Execute() {
+  Console& con = TheConsole();
+  if (!Ask(Prompt())) return successor_;
+  size_t target = 0;
+  unsigned itemNumber = 1;
+  for (unsigned cls = scanner_.Next();;) {
+    if (cls != item::kEnd && target == targets_.size()) {
+      con.Printf("Extra input - warning only (%u)\n", cls);
+      break;
+    }
+    switch (cls) {
+      case item::kEnd:
+        if (target == targets_.size()) return successor_;
+        if (!Ask("?")) return successor_;
+        cls = scanner_.Next();
+        continue;
+      case item::kString:
+      case item::kText:
+        if (!targets_[target]->IsString()) {
+          con.Printf("Bad Input. Re-type from item %u\n", itemNumber);
+          if (!Ask("??")) return successor_;
+          cls = scanner_.Next();
+          continue;
+        }
+        targets_[target]->Assign(scanner_.Text());
+        break;
+      case item::kInteger:
+      case item::kDecimal:
+      case item::kExponent:
+        if (targets_[target]->IsString())
+          targets_[target]->Assign(scanner_.Text());
+        else
+          targets_[target]->Assign(static_cast<float>(std::strtod(scanner_.CText(), nullptr)));
+        break;
+      case item::kHex:
+        // A string target keeps the digits as typed, as for the other numbers.
+        if (targets_[target]->IsString())
+          targets_[target]->Assign(scanner_.Text());
+        else
+          targets_[target]->Assign(HexValue(scanner_.Text()));
+        break;
+      default:
+        con.Printf("Bad Input. Re-type from item 1\n");
+        target = 0;
+        itemNumber = 1;
+        if (!Ask("??")) return successor_;
+        cls = scanner_.Next();
+        continue;
+    }
+    // A storage failure of the target (a subscript out of bounds) ends the INPUT.
+    if (g_err.run) break;
+    ++target;
+    ++itemNumber;
+    cls = scanner_.Next();
+  }
+  return successor_;
+}
+
+}  // namespace
+
+StatementPtr ParseInput(Program& p) {
+  size_t mark = p.Mark();
+  TargetList targets;
+  if (p.Accept(tok::kString)) {
+    std::string prompt(p.Text());
+    if (!p.Accept(tok::kComma)) {
+      SetParseError(40);
+      p.Restore(mark);
+      return nullptr;
+    }
+    if (!ParseTargetList(p, &targets) || targets.empty()) {
+      SetParseError(21);
+      p.Restore(mark);
+      return nullptr;
+    }
+    return std::make_unique<InputPromptStmt>(prompt, std::move(targets));
+  }
+  if (!ParseTargetList(p, &targets) || targets.empty()) {
+    SetParseError(25);
+    p.Restore(mark);
+    return nullptr;
+  }
+  return std::make_unique<InputStmt>(std::move(targets));
 }

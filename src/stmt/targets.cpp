@@ -1,0 +1,44 @@
+#include "stmt/targets.h"
+
+#include "shell/program.h"
+
+namespace {
+
+std::unique_ptr<Target> ParseOneTarget(Program& p) {
+  if (auto numeric = ParseNumericVar(p)) return std::make_unique<NumericTarget>(std::move(numeric));
+  if (auto text = ParseStringVar(p)) return std::make_unique<StringTarget>(std::move(text));
+  return nullptr;
+}
+
+}  // namespace
+
+bool ParseTargetList(Program& p, TargetList* out) {
+  size_t mark = p.Mark();
+  auto first = ParseOneTarget(p);
+  if (!first) return true;
+  out->push_back(std::move(first));
+  while (p.Accept(tok::kComma)) {
+    auto next = ParseOneTarget(p);
+    if (!next) {
+      SetParseError(25);
+      out->clear();
+      p.Restore(mark);
+      return false;
+    }
+    out->push_back(std::move(next));
+  }
+  return true;
+}
+
+size_t TargetsSize(const TargetList& targets) {
+  size_t size = 0;
+  for (const auto& t : targets) size += t->Size();
+  return size;
+}
+
+void ListTargets(std::string& out, const TargetList& targets) {
+  for (size_t i = 0; i < targets.size(); ++i) {
+    if (i) out += ',';
+    targets[i]->List(out);
+  }
+}
