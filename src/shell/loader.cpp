@@ -3,9 +3,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include "console/console.h"
 #include "shell/program.h"
@@ -63,42 +65,60 @@ bool SourceFile::GetLine(std::string& line) {
   return true;
 }
 
+namespace {
+
+// The line from offset on, leading blanks dropped.
+std::string_view RestFrom(const std::string& text, size_t offset) {
+  std::string_view rest(text);
+  rest.remove_prefix(std::min(offset, rest.size()));
+  while (!rest.empty() && rest.front() == ' ') rest.remove_prefix(1);
+  return rest;
+}
+
+}  // namespace
+
 std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, bool report) {
   auto prog = std::make_unique<Program>(name);
   Console& con = TheConsole();
   uint32_t last = 0;
-  std::string text;
+  std::string text, scan;
   while (file.GetLine(text)) {
     unsigned fileLine = file.LineCount();
     SetParseError(0);
     std::vector<StatementPtr> line;
     uint32_t number = 0;
-    if (text.size() > Program::kLineMax) {
-      text.resize(Program::kLineMax);
-      SetParseError(kLineTooLong);
-      line.push_back(std::make_unique<InvalidStmt>(text, kLineTooLong));
-    } else {
-      prog->StartLine(text.c_str());
-      if (prog->GetToken() == tok::kInteger) {
-        unsigned long value = std::strtoul(std::string(prog->Text()).c_str(), nullptr, 10);
-        if (value < 1 || value > 999999 || prog->Text().size() > 7) {
-          SetParseError(kBadStmtNumber);
-          line.push_back(std::make_unique<InvalidStmt>(prog->RawAfterCurrent(), kBadStmtNumber));
-        } else {
-          number = static_cast<uint32_t>(value);
-        }
+    // An overlong line is scanned only for its number; it is kept whole as a bad line.
+    bool tooLong = text.size() > Program::kLineMax;
+    scan.assign(text, 0, Program::kLineMax);
+    prog->StartLine(scan.c_str());
+    size_t afterNumber = 0;
+    if (prog->GetToken() == tok::kInteger) {
+      std::string_view digits = prog->Text();
+      if (digits.size() <= 7)
+        number = static_cast<uint32_t>(std::strtoul(std::string(digits).c_str(), nullptr, 10));
+      if (number < 1 || number > 999999) {
+        number = 0;
+        SetParseError(kBadStmtNumber);
+        line.push_back(std::make_unique<InvalidStmt>(RestFrom(text, 0), kBadStmtNumber));
       } else {
-        prog->BackUp();
+        afterNumber = prog->Current().rawEnd;
       }
-      if (!g_err.parse) {
-        if (number > last) {
-          last = number;
-        } else if (number != 0) {
-          con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(kOutOfOrder),
-                     fileLine);
-          SetParseError(kOutOfOrder);
-          return prog;
-        }
+    } else {
+      prog->BackUp();
+    }
+    if (!g_err.parse) {
+      if (number > last) {
+        last = number;
+      } else if (number != 0) {
+        con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(kOutOfOrder),
+                   fileLine);
+        SetParseError(kOutOfOrder);
+        break;
+      }
+      if (tooLong) {
+        SetParseError(kLineTooLong);
+        line.push_back(std::make_unique<InvalidStmt>(RestFrom(text, afterNumber), kLineTooLong));
+      } else {
         line = prog->ParseLine();
         if (g_err.parse == kEndOfLine) line.push_back(std::make_unique<BlankLineStmt>());
       }
@@ -111,7 +131,8 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
     if (report && g_err.parse > kEndOfLine)
       con.Printf("%s in file line %u\n", MessageOf(g_err.parse), fileLine);
   }
-  SetParseError(0);
+  prog->StartLine("");  // the line buffer goes away with this frame
+  if (g_err.parse != kOutOfOrder) SetParseError(0);
   return prog;
 }
 

@@ -27,51 +27,71 @@ Program::~Program() {
 }
 
 Statement* Program::Find(uint32_t number) const {
-  for (Statement* s = First(); s; s = s->Next())
-    if (s->Number() == number && number != 0) return s;
-  return nullptr;
+  auto it = lines_.find(number);
+  return it != lines_.end() ? it->second : nullptr;
 }
 
-int Program::BadLines() const {
-  int count = 0;
-  for (Statement* s = First(); s; s = s->Next())
-    if (s->ParseError()) ++count;
-  return count;
+// Numbered lines rise through the list (typed lines are sorted in, loaded
+// ones must rise), so the index order is the list order.
+void Program::Index(Statement* head) {
+  if (uint32_t number = head->Number(); number != 0 && !head->Hidden())
+    lines_.emplace(number, head);
+}
+
+void Program::Unindex(Statement* head) {
+  auto it = lines_.find(head->Number());
+  if (it != lines_.end() && it->second == head) lines_.erase(it);
 }
 
 void Program::Append(std::vector<StatementPtr> line) {
-  for (auto& s : line) statements_.InsertBefore(s.release(), endMark_);
+  if (line.empty()) return;
+  Statement* head = line.front().get();
+  for (auto& s : line) {
+    if (s->ParseError()) ++badLines_;
+    statements_.InsertBefore(s.release(), endMark_);
+  }
+  Index(head);
+  linksCurrent_ = false;
 }
 
 void Program::InsertTyped(std::vector<StatementPtr> line) {
   if (line.empty()) return;
   uint32_t number = line.front()->Number();
   Statement* before = endMark_;
-  for (Statement* s = First(); s != endMark_; s = s->Next()) {
-    if (s->Hidden() || s->Number() == 0) continue;
-    if (s->Number() == number) {
-      before = s->Next();
+  if (auto it = lines_.lower_bound(number); it != lines_.end()) {
+    before = it->second;
+    if (it->first == number) {
+      Statement* old = before;
+      before = old->Next();
       while (before != endMark_ && (before->Location() & loc::kTrailing)) before = before->Next();
-      Delete(s);
-      break;
-    }
-    if (s->Number() > number) {
-      before = s;
-      break;
+      Delete(old);
     }
   }
-  for (auto& s : line) statements_.InsertBefore(s.release(), before);
+  Statement* head = line.front().get();
+  for (auto& s : line) {
+    if (s->ParseError()) ++badLines_;
+    statements_.InsertBefore(s.release(), before);
+  }
+  Index(head);
+  linksCurrent_ = false;
 }
 
 void Program::Delete(Statement* stmt) {
+  if (!stmt || stmt == endMark_) return;
+  Unindex(stmt);
   while (stmt->Followed()) {
     Statement* next = stmt->Next();
     if (!next || next == endMark_) break;
+    if (next->ParseError()) --badLines_;
     next->Unlink();
     delete next;
   }
+  if (stmt->ParseError()) --badLines_;
   stmt->Unlink();
   delete stmt;
+  linksCurrent_ = false;
+  // DEF statements own what this table points to; the next link rebuilds it.
+  functions.clear();
 }
 
 // --- Parsing and listing.
@@ -219,21 +239,27 @@ TargetRef ParseTarget(Program& p) {
   return TargetRef();
 }
 
+namespace {
+std::string NameKey(std::string_view name) {
+  std::string key(name);
+  for (char& c : key)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+  return key;
+}
+}  // namespace
+
 TargetLabel* Program::FindTarget(uint32_t number) const {
-  if (number == 0) return nullptr;
-  for (const auto& t : targets_)
-    if (!t->IsName() && t->Number() == number) return t.get();
-  return nullptr;
+  auto it = numberTargets_.find(number);
+  return number != 0 && it != numberTargets_.end() ? it->second : nullptr;
 }
 
 TargetLabel* Program::FindTarget(std::string_view name) const {
-  for (const auto& t : targets_)
-    if (t->IsName() && SameName(t->Name(), name)) return t.get();
-  return nullptr;
+  auto it = nameTargets_.find(NameKey(name));
+  return it != nameTargets_.end() ? it->second : nullptr;
 }
 
 TargetLabel* Program::ReferNumber(uint32_t number) {
-  TargetLabel* target = FindTarget(number);
+  TargetLabel*& target = numberTargets_[number];
   if (!target) {
     targets_.push_back(std::make_unique<TargetLabel>(number, ""));
     target = targets_.back().get();
@@ -243,7 +269,7 @@ TargetLabel* Program::ReferNumber(uint32_t number) {
 }
 
 TargetLabel* Program::ReferName(std::string_view name) {
-  TargetLabel* target = FindTarget(name);
+  TargetLabel*& target = nameTargets_[NameKey(name)];
   if (!target) {
     targets_.push_back(std::make_unique<TargetLabel>(0, std::string(name)));
     target = targets_.back().get();
@@ -252,11 +278,21 @@ TargetLabel* Program::ReferName(std::string_view name) {
   return target;
 }
 
+// A target nobody refers to leaves the indexes at once and the table in
+// batches, so that deleting many jumps stays linear.
 void Program::Release(TargetLabel* target) {
   if (!target || --target->users > 0) return;
-  auto it = std::find_if(targets_.begin(), targets_.end(),
-                         [target](const auto& t) { return t.get() == target; });
-  if (it != targets_.end()) targets_.erase(it);
+  if (target->IsName()) {
+    auto it = nameTargets_.find(NameKey(target->Name()));
+    if (it != nameTargets_.end() && it->second == target) nameTargets_.erase(it);
+  } else {
+    auto it = numberTargets_.find(target->Number());
+    if (it != numberTargets_.end() && it->second == target) numberTargets_.erase(it);
+  }
+  if (++deadTargets_ > 64 && deadTargets_ * 2 > targets_.size()) {
+    std::erase_if(targets_, [](const auto& t) { return t->users == 0; });
+    deadTargets_ = 0;
+  }
 }
 
 // Gives numbers to the unnumbered statements of a loaded program, stepping by
@@ -307,13 +343,19 @@ bool Program::NumberUnnumbered() {
         moves.emplace_back(f, n);
       }
       for (auto it = moves.rbegin(); it != moves.rend(); ++it) {
-        if (TargetLabel* target = FindTarget(it->first->Number())) target->SetNumber(it->second);
+        if (TargetLabel* target = FindTarget(it->first->Number())) {
+          numberTargets_.erase(target->Number());
+          target->SetNumber(it->second);
+          numberTargets_[it->second] = target;
+        }
         it->first->SetNumber(it->second);
       }
       renumbered = true;
     }
     s = t;
   }
+  lines_.clear();
+  for (Statement* h = First(); h; h = h->Next()) Index(h);
   return renumbered;
 }
 
@@ -327,6 +369,10 @@ void Program::ClearStorage() {
   data = DataReader{};
   frame = RunFrame{};
   numTop = strTop = numBase = strBase = 0;
+  // DEF statements register again and call sites size the stacks again at each link.
+  functions.clear();
+  numStack.clear();
+  strStack.clear();
 }
 
 namespace {
@@ -352,11 +398,6 @@ StringSimpleData* Program::StringSimple(const VarToken* name) {
   auto& slot = Slot(strSimple_, name);
   if (!slot) slot.reset(new StringSimpleData{name, StringValue()});
   return slot.get();
-}
-
-StringSimpleData* Program::FindStringSimple(const VarToken* name) const {
-  unsigned ordinal = name->Ordinal();
-  return ordinal < strSimple_.size() ? strSimple_[ordinal].get() : nullptr;
 }
 
 std::unique_ptr<StringScriptData>& Program::StringArray(const VarToken* name) {

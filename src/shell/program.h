@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "lex/tokenizer.h"
@@ -106,7 +107,11 @@ class Program final : public Tokenizer {
   // Unlinks and destroys one statement (and the statements that continue its line).
   void Delete(Statement* stmt);
   // Number of bad lines held.
-  int BadLines() const;
+  int BadLines() const { return badLines_; }
+  // False once lines were stored or deleted after the last link: the links
+  // (successors, block partners) may then name statements that are gone.
+  bool LinksCurrent() const { return linksCurrent_; }
+  void SetLinksCurrent() { linksCurrent_ = true; }
 
   // --- Parsing and listing.
   // Parses the rest of the tokenizer's line (after any statement number) into
@@ -124,6 +129,7 @@ class Program final : public Tokenizer {
   void Release(TargetLabel* target);
   TargetLabel* FindTarget(uint32_t number) const;
   TargetLabel* FindTarget(std::string_view name) const;
+  // In order of first reference; entries with no users left are dead and skipped.
   const std::vector<std::unique_ptr<TargetLabel>>& Targets() const { return targets_; }
   // Numbers the unnumbered statements after a load; true when it had to renumber.
   bool NumberUnnumbered();
@@ -134,7 +140,6 @@ class Program final : public Tokenizer {
   NumericSimpleData* NumericSimple(const VarToken* name);  // found or created
   std::unique_ptr<NumericScriptData>& NumericArray(const VarToken* name);
   StringSimpleData* StringSimple(const VarToken* name);
-  StringSimpleData* FindStringSimple(const VarToken* name) const;  // null when not created
   std::unique_ptr<StringScriptData>& StringArray(const VarToken* name);
   size_t HeapSize() const;
 
@@ -156,6 +161,15 @@ class Program final : public Tokenizer {
   std::string name_;
   BaseList_T<Statement, true> statements_;
   Statement* endMark_;
+  // Indexes that keep typing, loading and linking 100,000 lines linear.
+  std::map<uint32_t, Statement*> lines_;  // numbered line heads by number
+  int badLines_ = 0;
+  bool linksCurrent_ = false;
+  std::unordered_map<uint32_t, TargetLabel*> numberTargets_;
+  std::unordered_map<std::string, TargetLabel*> nameTargets_;  // by upper-case name
+  size_t deadTargets_ = 0;
+  void Index(Statement* head);
+  void Unindex(Statement* head);
   std::vector<std::unique_ptr<TargetLabel>> targets_;
   BaseList_T<Reference, false> references_;
   std::vector<std::unique_ptr<NumericSimpleData>> numSimple_;  // by symbol ordinal

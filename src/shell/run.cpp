@@ -26,6 +26,7 @@ std::string LowerName(std::string_view name) {
 ErrorCode Link(Program& prog) {
   prog.ClearStorage();
   ClearError();
+  SetErrorFile(nullptr);  // link errors name no file
   for (const auto& target : prog.Targets()) target->resolved = nullptr;
 
   // Bad lines stop the link; numbers and labels resolve their references.
@@ -52,7 +53,7 @@ ErrorCode Link(Program& prog) {
     if (ErrorCode code = s->Resolve(prog)) return FailAt(code, s);
 
   for (const auto& target : prog.Targets())
-    if (!target->resolved) return SetRunError(63);
+    if (target->users && !target->resolved) return SetRunError(63);
 
   for (Statement* s = prog.First(); s; s = s->Next())
     if (ErrorCode code = s->Check(prog)) return FailAt(code, s);
@@ -61,6 +62,7 @@ ErrorCode Link(Program& prog) {
     if (ErrorCode code = r->Link(prog)) return FailAt(code, r->owner);
 
   ReseedRandom();
+  prog.SetLinksCurrent();
   return 0;
 }
 

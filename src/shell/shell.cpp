@@ -275,9 +275,9 @@ void Shell::ImmediatePrint() {
 
 // A file name: from the first non-blank after the command to the next blank,
 // or a double-quoted name that may hold blanks. Returns the rest of the line.
-const char* FileName(const char* text, std::string* name) {
+const char* FileName(const char* text, size_t wordLength, std::string* name) {
   while (*text == ' ') ++text;
-  while (*text && *text != ' ') ++text;  // the command word
+  for (size_t i = 0; i < wordLength && *text; ++i) ++text;  // the command word
   while (*text == ' ') ++text;
   name->clear();
   if (*text == '"') {
@@ -296,7 +296,7 @@ void Shell::NewProgram(std::unique_ptr<Program> prog) {
 
 void Shell::Get(const char* line) {
   std::string name;
-  FileName(line, &name);
+  FileName(line, prog_->Text().size(), &name);
   if (name.empty()) return;
   SourceFile file;
   if (!file.Open(name.c_str())) {
@@ -366,7 +366,7 @@ void Shell::Del() {
 
 void Shell::Save(const char* line) {
   std::string name, option;
-  const char* rest = FileName(line, &name);
+  const char* rest = FileName(line, prog_->Text().size(), &name);
   if (name.empty()) {
     con_.Write("???\n");
     return;
@@ -377,7 +377,8 @@ void Shell::Save(const char* line) {
 }
 
 void Shell::Dump() {
-  if (!prog_->HasRun()) {
+  // After an edit the links may name deleted statements: ask for a new run.
+  if (!prog_->HasRun() || !prog_->LinksCurrent()) {
     con_.Write("RUN PROGRAM FIRST\n");
     return;
   }
@@ -406,6 +407,7 @@ void Shell::Labels() {
   con_.Write("Statement Number References\n  ");
   unsigned count = 0, names = 0;
   for (const auto& t : prog_->Targets()) {
+    if (!t->users) continue;
     if (t->IsName()) {
       ++names;
       continue;
@@ -416,7 +418,7 @@ void Shell::Labels() {
   if (count % 6 != 0) con_.Write("\n");
   con_.Printf("\nStatement Label References (%lu)\n  ", static_cast<unsigned long>(names));
   for (const auto& t : prog_->Targets()) {
-    if (!t->IsName()) continue;
+    if (!t->users || !t->IsName()) continue;
     con_.Printf("[%s] (%u) ", t->Name().c_str(), t->users);
     con_.Write("\n  ");
   }
