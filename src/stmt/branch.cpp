@@ -1,20 +1,283 @@
-// Placeholder until this statement family lands.
+// GOTO, GOSUB and RETURN; the computed target lists of GOTO, GOSUB and RESTORE.
+#include <cmath>
+#include <type_traits>
+#include <vector>
+
 #include "shell/program.h"
+#include "stmt/jump_list.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseGoto(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+namespace {
+
+// Pushes the return point and goes to the target; past the limit the error
+// ends the run on arrival.
+Statement* CallSubroutine(Program& prog, Statement* self, Statement* returnTo, Statement* target) {
+  RunFrame& frame = prog.frame;
+  if (frame.depth >= RunFrame::kMaxGosub) {
+    Raise(1005, self->Location());
+    return target;
+  }
+  frame.returns[frame.depth++] = returnTo;
+  return target;
 }
-StatementPtr ParseGosub(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+// The jump is the successor itself, so running it costs one pointer return.
+class GoToLineStmt final : public Statement {
+ public:
+  explicit GoToLineStmt(TargetRef target) : target_(std::move(target)) {}
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kGoto; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override {
+    out += "GOTO ";
+    target_.List(out);
+  }
+  ErrorCode Resolve(Program&) override {
+    if (!target_.Named()) return 62;
+    successor_ = target_.Landing();
+    return 0;
+  }
+
+ private:
+  TargetRef target_;
+};
+
+class GoSubLineStmt final : public Statement {
+ public:
+  GoSubLineStmt(Program& prog, TargetRef target) : prog_(prog), target_(std::move(target)) {}
+  Statement* Execute() override { return CallSubroutine(prog_, this, successor_, landing_); }
+  TokenCode Code() const override { return tok::kGosub; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override {
+    out += "GOSUB ";
+    target_.List(out);
+  }
+  ErrorCode Resolve(Program&) override {
+    if (!target_.Named()) return 62;
+    landing_ = target_.Landing();
+    return 0;
+  }
+
+ private:
+  Program& prog_;
+  TargetRef target_;
+  Statement* landing_ = nullptr;
+};
+
+class ReturnStmt final : public Statement {
+ public:
+  explicit ReturnStmt(Program& prog) : prog_(prog) {}
+  Statement* Execute() override {
+    RunFrame& frame = prog_.frame;
+    if (frame.depth == 0) return Fail(1004);
+    Statement* back = frame.returns[--frame.depth];
+    return back ? back : successor_;
+  }
+  TokenCode Code() const override { return tok::kReturn; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "RETURN"; }
+
+ private:
+  Program& prog_;
+};
+
+// Selector, targets and optional ELSE target of a computed jump.
+class JumpListStmt : public Statement {
+ public:
+  JumpListStmt(Program& prog, NumericExpPtr selector, std::vector<TargetRef> targets,
+               TargetRef otherwise, bool onForm)
+      : prog_(prog),
+        selector_(std::move(selector)),
+        targets_(std::move(targets)),
+        else_(std::move(otherwise)),
+        chosen_(targets_.size()),
+        onForm_(onForm) {}
+  TokenCode Code() const override { return onForm_ ? tok::kOn : Keyword(); }
+  size_t Size() const override {
+    return sizeof *this + selector_->Size() +
+           targets_.capacity() * (sizeof(TargetRef) + sizeof(Statement*));
+  }
+  void List(std::string& out) const override {
+    const char* word = KeywordText();
+    if (onForm_) {
+      out += "ON ";
+      selector_->List(out);
+      Appendf(out, " %s ", word);
+    } else {
+      Appendf(out, "%s ", word);
+      selector_->List(out);
+      out += " OF ";
+    }
+    for (size_t i = 0; i < targets_.size(); ++i) {
+      if (i) out += ',';
+      targets_[i].List(out);
+    }
+    if (else_) {
+      out += " ELSE ";
+      else_.List(out);
+    }
+  }
+  ErrorCode Resolve(Program&) override {
+    for (size_t i = 0; i < targets_.size(); ++i) {
+      if (!targets_[i].Named()) return 62;
+      chosen_[i] = Destination(targets_[i]);
+    }
+    if (else_) {
+      if (!else_.Named()) return 62;
+      elseChosen_ = Destination(else_);
+    }
+    return 0;
+  }
+
+ protected:
+  virtual TokenCode Keyword() const = 0;
+  virtual const char* KeywordText() const = 0;
+  // Where an entry leads: the landing of a jump, the named statement of a RESTORE.
+  virtual Statement* Destination(const TargetRef& target) const { return target.Landing(); }
+
+  // The entry the selector picks, or null out of range; also null with the
+  // error set when the selector fails.
+  Statement* Pick(bool rounded) {
+    float value = selector_->Evaluate();
+    if (g_err.run) return nullptr;
+    float index = rounded ? std::floor(value + 0.5f) : std::trunc(value);
+    if (!(index >= 1.0f && index <= static_cast<float>(chosen_.size()))) return nullptr;
+    return chosen_[static_cast<size_t>(index) - 1];
+  }
+  // The out-of-range choice: the ELSE target, or none.
+  Statement* Otherwise() const { return else_ ? elseChosen_ : nullptr; }
+
+  Program& prog_;
+
+ private:
+  NumericExpPtr selector_;
+  std::vector<TargetRef> targets_;
+  TargetRef else_;
+  std::vector<Statement*> chosen_;  // resolved entries, sized at parse time
+  Statement* elseChosen_ = nullptr;
+  bool onForm_;
+};
+
+class GoToListStmt final : public JumpListStmt {
+ public:
+  using JumpListStmt::JumpListStmt;
+  Statement* Execute() override {
+    Statement* target = Pick(true);
+    if (g_err.run) return successor_;
+    if (!target) target = Otherwise();
+    return target ? target : successor_;
+  }
+
+ protected:
+  TokenCode Keyword() const override { return tok::kGoto; }
+  const char* KeywordText() const override { return "GOTO"; }
+};
+
+// Out of range nothing is pushed, whether or not an ELSE target is taken.
+class GoSubListStmt final : public JumpListStmt {
+ public:
+  using JumpListStmt::JumpListStmt;
+  Statement* Execute() override {
+    Statement* target = Pick(true);
+    if (g_err.run) return successor_;
+    if (target) return CallSubroutine(prog_, this, successor_, target);
+    target = Otherwise();
+    return target ? target : successor_;
+  }
+
+ protected:
+  TokenCode Keyword() const override { return tok::kGosub; }
+  const char* KeywordText() const override { return "GOSUB"; }
+};
+
+// Selects by truncation, not rounding, and moves the DATA position.
+class RestoreListStmt final : public JumpListStmt {
+ public:
+  using JumpListStmt::JumpListStmt;
+  Statement* Execute() override {
+    Statement* target = Pick(false);
+    if (g_err.run) return successor_;
+    if (!target) target = Otherwise();
+    // An entry with no DATA at or after it starts reading over.
+    if (target && !target->RestoreHere()) prog_.First()->RestoreHere();
+    return successor_;
+  }
+
+ protected:
+  TokenCode Keyword() const override { return tok::kRestore; }
+  const char* KeywordText() const override { return "RESTORE"; }
+  Statement* Destination(const TargetRef& target) const override { return target.Named(); }
+};
+
+TargetRef ExpectTarget(Program& p) {
+  TargetRef target = ParseTarget(p);
+  if (!target && !g_err.parse) SetParseError(kBadStmtNumber);
+  return target;
 }
-StatementPtr ParseReturn(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+// GOTO <stmtId> or GOTO <exp> OF ...: a plain number or label alone is the
+// single form; anything else is a selector.
+template <typename Single>
+StatementPtr ParseJump(Program& p, JumpKind kind) {
+  size_t mark = p.Mark();
+  if (TargetRef target = ParseTarget(p)) {
+    TokenCode next = p.Peek();
+    if (next == tok::kEndOfLine || next == tok::kComment) {
+      if constexpr (std::is_constructible_v<Single, Program&, TargetRef>)
+        return std::make_unique<Single>(p, std::move(target));
+      else
+        return std::make_unique<Single>(std::move(target));
+    }
+    p.Restore(mark);
+  }
+  NumericExpPtr selector = ParseNumericExp(p);
+  if (!selector || !p.Accept(tok::kOf)) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(selector ? ErrorCode{40} : ErrorCode{kBadStmtNumber});
+    return nullptr;
+  }
+  return ParseJumpList(p, kind, std::move(selector), false);
 }
-StatementPtr ParseRestoreOf(Program&, NumericExpPtr) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+}  // namespace
+
+StatementPtr ParseJumpList(Program& p, JumpKind kind, NumericExpPtr selector, bool onForm) {
+  size_t mark = p.Mark();
+  std::vector<TargetRef> targets;
+  TargetRef otherwise;
+  do {
+    TargetRef target = ExpectTarget(p);
+    if (!target) break;
+    targets.push_back(std::move(target));
+  } while (p.Accept(tok::kComma));
+  bool ok = !g_err.parse;
+  if (ok && p.Accept(tok::kElse)) ok = static_cast<bool>(otherwise = ExpectTarget(p));
+  if (!ok) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  switch (kind) {
+    case JumpKind::kGoto:
+      return std::make_unique<GoToListStmt>(p, std::move(selector), std::move(targets),
+                                            std::move(otherwise), onForm);
+    case JumpKind::kGosub:
+      return std::make_unique<GoSubListStmt>(p, std::move(selector), std::move(targets),
+                                             std::move(otherwise), onForm);
+    case JumpKind::kRestore:
+      break;
+  }
+  return std::make_unique<RestoreListStmt>(p, std::move(selector), std::move(targets),
+                                           std::move(otherwise), onForm);
+}
+
+StatementPtr ParseGoto(Program& p) { return ParseJump<GoToLineStmt>(p, JumpKind::kGoto); }
+
+StatementPtr ParseGosub(Program& p) { return ParseJump<GoSubLineStmt>(p, JumpKind::kGosub); }
+
+StatementPtr ParseReturn(Program& p) { return std::make_unique<ReturnStmt>(p); }
+
+// The RESTORE parser has read the selector; OF may or may not be consumed yet.
+StatementPtr ParseRestoreOf(Program& p, NumericExpPtr selector) {
+  p.Accept(tok::kOf);
+  return ParseJumpList(p, JumpKind::kRestore, std::move(selector), false);
 }

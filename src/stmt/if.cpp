@@ -1,16 +1,251 @@
-// Placeholder until this statement family lands.
+// IF in its three forms (jump, one statement, block) with ELSE and ENDIF.
 #include "shell/program.h"
+#include "stmt/blocks.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseIf(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+namespace {
+
+class EndIfStmt final : public Statement {
+ public:
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kEndIf; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "ENDIF"; }
+  void Dump(std::string& out) const override {
+    Statement::Dump(out);
+    out += " If: ";
+    DumpLink(out, opener_);
+  }
+  int IndentClass() const override { return kCloses; }
+  bool IsExecutable() const override { return false; }
+  bool IsBlock() const override { return true; }
+  ErrorCode Resolve(Program&) override {
+    opener_ = nullptr;
+    return 0;
+  }
+  ErrorCode Check(Program&) override { return opener_ ? 0 : 105; }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {114, kEnds, kEnds, 112, 113, 115, 115, 115, 115};
+    return AnswerFrom(kRow, search, this);
+  }
+  // The IF, or the ELSE when there is one.
+  void Bind(Statement* opener) { opener_ = opener; }
+
+ private:
+  Statement* opener_ = nullptr;
+};
+
+// Reached from the end of the true part: skips the false part.
+class ElseStmt final : public Statement {
+ public:
+  Statement* Execute() override { return endIf_->Successor(); }
+  TokenCode Code() const override { return tok::kElse; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "ELSE"; }
+  int IndentClass() const override { return kMiddle; }
+  ErrorCode Resolve(Program&) override {
+    matched_ = false;
+    endIf_ = nullptr;
+    return 0;
+  }
+  ErrorCode Check(Program&) override { return matched_ ? 0 : 104; }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {110, kEnds, 104, 108, 109, 111, 111, 111, 111};
+    return AnswerFrom(kRow, search, this);
+  }
+  // Called by its IF: finds the ENDIF; null when the search fails.
+  EndIfStmt* Match() {
+    matched_ = true;
+    Statement* found = SearchAfter(Search::kEndIf, this);
+    if (!found) {
+      FailSearch(106, Location());
+      return nullptr;
+    }
+    endIf_ = static_cast<EndIfStmt*>(found);
+    endIf_->Bind(this);
+    return endIf_;
+  }
+
+ private:
+  bool matched_ = false;  // claimed by an IF
+  EndIfStmt* endIf_ = nullptr;
+};
+
+// IF <exp> THEN alone: the block form.
+class IfDoStmt final : public BlockOpener {
+ public:
+  explicit IfDoStmt(NumericExpPtr condition) : condition_(std::move(condition)) {}
+  Statement* Execute() override {
+    float value = condition_->Evaluate();
+    if (g_err.run) return successor_;
+    return value == 0.0f ? false_ : successor_;
+  }
+  TokenCode Code() const override { return tok::kIf; }
+  size_t Size() const override { return sizeof *this + condition_->Size(); }
+  void List(std::string& out) const override {
+    out += "IF ";
+    condition_->List(out);
+    out += " THEN";
+  }
+  void Dump(std::string& out) const override {
+    Statement::Dump(out);
+    out += " EndIf: ";
+    DumpLink(out, endIf_);
+  }
+
+ protected:
+  Statement* FindCloser() override {
+    Statement* found = SearchAfter(Search::kElseOrEndIf, this);
+    if (!found) return nullptr;
+    if (auto* elseStmt = dynamic_cast<ElseStmt*>(found)) {
+      endIf_ = elseStmt->Match();
+      if (!endIf_) return nullptr;
+      false_ = elseStmt->Successor();
+    } else {
+      endIf_ = static_cast<EndIfStmt*>(found);
+      endIf_->Bind(this);
+      false_ = endIf_->Successor();
+    }
+    return endIf_;
+  }
+  void ClearLinks() override {
+    endIf_ = nullptr;
+    false_ = nullptr;
+  }
+  ErrorCode UnmatchedCode() const override { return 106; }
+
+ private:
+  NumericExpPtr condition_;
+  EndIfStmt* endIf_ = nullptr;
+  Statement* false_ = nullptr;  // after the ELSE, or after the ENDIF
+};
+
+// IF <exp> THEN <stmtId>.
+class IfStmtLabel final : public Statement {
+ public:
+  IfStmtLabel(NumericExpPtr condition, TargetRef target)
+      : condition_(std::move(condition)), target_(std::move(target)) {}
+  Statement* Execute() override {
+    float value = condition_->Evaluate();
+    if (g_err.run) return successor_;
+    return value == 0.0f ? successor_ : landing_;
+  }
+  TokenCode Code() const override { return tok::kIf; }
+  size_t Size() const override { return sizeof *this + condition_->Size(); }
+  void List(std::string& out) const override {
+    out += "IF ";
+    condition_->List(out);
+    out += " THEN ";
+    target_.List(out);
+  }
+  bool IsBlock() const override { return true; }
+  ErrorCode Resolve(Program&) override {
+    if (!target_.Named()) return 62;
+    landing_ = target_.Landing();
+    return 0;
+  }
+
+ private:
+  NumericExpPtr condition_;
+  TargetRef target_;
+  Statement* landing_ = nullptr;
+};
+
+// IF <exp> THEN <statement>: the statement is linked as if it stood alone
+// in the IF's place, so a jump after THEN resolves like any other.
+class IfStmtStmt final : public Statement {
+ public:
+  IfStmtStmt(NumericExpPtr condition, StatementPtr then)
+      : condition_(std::move(condition)), then_(std::move(then)) {}
+  Statement* Execute() override {
+    float value = condition_->Evaluate();
+    if (g_err.run) return successor_;
+    return value == 0.0f ? successor_ : then_->Execute();
+  }
+  TokenCode Code() const override { return tok::kIf; }
+  size_t Size() const override { return sizeof *this + condition_->Size() + then_->Size(); }
+  void List(std::string& out) const override {
+    out += "IF ";
+    condition_->List(out);
+    out += " THEN ";
+    then_->List(out);
+  }
+  bool IsBlock() const override { return true; }
+  void SetSuccessor(Statement* next) override {
+    successor_ = next;
+    then_->SetSuccessor(next);
+  }
+  ErrorCode Resolve(Program& prog) override { return then_->Resolve(prog); }
+  ErrorCode Check(Program& prog) override { return then_->Check(prog); }
+
+ private:
+  NumericExpPtr condition_;
+  StatementPtr then_;
+};
+
+// Block statements and statements that do nothing when run may not follow THEN.
+bool RefusedAfterThen(TokenCode code) {
+  switch (code) {
+    case tok::kFor:
+    case tok::kNext:
+    case tok::kWhile:
+    case tok::kEndWhile:
+    case tok::kRepeat:
+    case tok::kUntil:
+    case tok::kElse:
+    case tok::kEndIf:
+    case tok::kSelect:
+    case tok::kCase:
+    case tok::kEndSelect:
+    case tok::kData:
+    case tok::kDim:
+    case tok::kDef:
+    case tok::kImage:
+    case 0xF01D:  // COM
+    case tok::kRem:
+      return true;
+    default:
+      return false;
+  }
 }
-StatementPtr ParseElse(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+bool LineEnds(Program& p) {
+  TokenCode next = p.Peek();
+  return next == tok::kEndOfLine || next == tok::kComment;
 }
-StatementPtr ParseEndIf(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+}  // namespace
+
+StatementPtr ParseIf(Program& p) {
+  if (p.Accept(tok::kEnd)) return ParseOnEnd(p);
+  size_t mark = p.Mark();
+  auto fail = [&](ErrorCode code) -> StatementPtr {
+    if (!g_err.parse) SetParseError(code);
+    p.Restore(mark);
+    return nullptr;
+  };
+  NumericExpPtr condition = ParseNumericExp(p);
+  if (!condition) return fail(35);
+  if (!p.Accept(tok::kThen)) return fail(40);
+  if (LineEnds(p)) return std::make_unique<IfDoStmt>(std::move(condition));
+
+  size_t then = p.Mark();
+  if (TargetRef target = ParseTarget(p)) {
+    // A name that goes on ("THEN A=1") is the start of an assignment.
+    if (LineEnds(p)) return std::make_unique<IfStmtLabel>(std::move(condition), std::move(target));
+    p.Restore(then);
+  }
+  TokenCode keyword = p.Peek();
+  if (RefusedAfterThen(keyword)) return fail(107);
+  // An IF after THEN would nest one IF's parts inside another's.
+  if (keyword == tok::kIf) return fail(116);
+  StatementPtr stmt = ParseStatement(p);
+  if (!stmt) return fail(0);
+  // END IF, END WHILE and END SELECT start with END.
+  if (RefusedAfterThen(stmt->Code())) return fail(107);
+  return std::make_unique<IfStmtStmt>(std::move(condition), std::move(stmt));
 }
+
+StatementPtr ParseElse(Program&) { return std::make_unique<ElseStmt>(); }
+
+StatementPtr ParseEndIf(Program&) { return std::make_unique<EndIfStmt>(); }

@@ -1,12 +1,87 @@
-// Placeholder until this statement family lands.
+// ON <exp> GOTO/GOSUB/RESTORE, ON ERROR and OFF ERROR (the latter two are
+// accepted so that programs load and list, and refuse to run).
 #include "shell/program.h"
+#include "stmt/jump_list.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseOn(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+namespace {
+
+class OnErrorStmt final : public Statement {
+ public:
+  explicit OnErrorStmt(TargetRef target) : target_(std::move(target)) {}
+  Statement* Execute() override { return Fail(kNotSupported); }
+  TokenCode Code() const override { return tok::kOn; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override {
+    out += "ON ERROR THEN ";
+    target_.List(out);
+  }
+  ErrorCode Resolve(Program&) override {
+    if (!target_.Named()) return Raise(62, Location());
+    landing_ = target_.Landing();
+    return g_err.run;
+  }
+
+ private:
+  TargetRef target_;
+  Statement* landing_ = nullptr;  // kept for when error trapping exists
+};
+
+class OffErrorStmt final : public Statement {
+ public:
+  Statement* Execute() override { return Fail(kNotSupported); }
+  TokenCode Code() const override { return tok::kOn; }  // the OFF statements report ON
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "OFF ERROR"; }
+};
+
+StatementPtr ParseOnError(Program& p) {
+  size_t mark = p.Mark();
+  if (!p.Accept(tok::kThen)) {
+    SetParseError(40);
+    return nullptr;
+  }
+  TargetRef target = ParseTarget(p);
+  if (!target) {
+    p.Restore(mark);
+    SetParseError(kBadStmtNumber);
+    return nullptr;
+  }
+  return std::make_unique<OnErrorStmt>(std::move(target));
 }
-StatementPtr ParseOff(Program&) {
-  SetParseError(kNotSupported);
+
+}  // namespace
+
+StatementPtr ParseOn(Program& p) {
+  if (p.Accept(tok::kError)) return ParseOnError(p);
+  if (p.Accept(tok::kEnd)) return ParseOnEnd(p);
+  size_t mark = p.Mark();
+  NumericExpPtr selector = ParseNumericExp(p);
+  if (!selector) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(35);
+    return nullptr;
+  }
+  JumpKind kind;
+  if (p.Accept(tok::kGoto)) {
+    kind = JumpKind::kGoto;
+  } else if (p.Accept(tok::kGosub)) {
+    kind = JumpKind::kGosub;
+  } else if (p.Accept(tok::kRestore)) {
+    kind = JumpKind::kRestore;
+  } else {
+    p.Restore(mark);
+    SetParseError(17);
+    return nullptr;
+  }
+  StatementPtr stmt = ParseJumpList(p, kind, std::move(selector), true);
+  if (!stmt) p.Restore(mark);
+  return stmt;
+}
+
+StatementPtr ParseOff(Program& p) {
+  if (p.Accept(tok::kError)) return std::make_unique<OffErrorStmt>();
+  if (p.Accept(tok::kEnd)) return ParseOffEnd(p);
+  SetParseError(17);
   return nullptr;
 }

@@ -1,16 +1,285 @@
-// Placeholder until this statement family lands.
+// SELECT ... CASE ... ENDSELECT over a numeric or a string selector.
+#include <vector>
+
 #include "shell/program.h"
+#include "stmt/blocks.h"
+#include "stmt/case_items.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseSelect(Program&) {
-  SetParseError(kNotSupported);
+namespace {
+
+class EndSelectStmt;
+
+// The CASE statements share their chain links; the SELECT walks the chain.
+class CaseStmt : public Statement {
+ public:
+  // Reached in sequence: the previous body has ended, leave the SELECT.
+  Statement* Execute() override { return exit_; }
+  TokenCode Code() const override { return tok::kCase; }
+  int IndentClass() const override { return kMiddle; }
+  ErrorCode Resolve(Program&) override {
+    matched_ = false;
+    next_ = nullptr;
+    exit_ = nullptr;
+    return 0;
+  }
+  ErrorCode Check(Program&) override { return matched_ ? 0 : 89; }
+  virtual bool Accepts(float selector) = 0;
+  virtual bool Accepts(std::string_view selector) = 0;
+
+  CaseStmt* NextCase() const { return next_; }
+  void Link(CaseStmt* next, Statement* exit) {
+    matched_ = true;
+    next_ = next;
+    exit_ = exit;
+  }
+
+ private:
+  bool matched_ = false;
+  CaseStmt* next_ = nullptr;   // none for the last CASE
+  Statement* exit_ = nullptr;  // after the ENDSELECT
+};
+
+class CaseNumericStmt final : public CaseStmt {
+ public:
+  explicit CaseNumericStmt(std::vector<NumericCasePtr> items) : items_(std::move(items)) {}
+  size_t Size() const override {
+    size_t size = sizeof *this;
+    for (const auto& item : items_) size += item->Size();
+    return size;
+  }
+  void List(std::string& out) const override {
+    out += "CASE ";
+    ListItems(out, items_);
+  }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, kEnds, kEnds, 95, 95};
+    return AnswerFrom(kRow, search, this);
+  }
+  bool Accepts(float selector) override {
+    for (const auto& item : items_)
+      if (item->Matches(selector)) return true;
+    return false;
+  }
+  bool Accepts(std::string_view) override { return false; }
+
+ private:
+  std::vector<NumericCasePtr> items_;
+};
+
+class CaseStringStmt final : public CaseStmt {
+ public:
+  explicit CaseStringStmt(std::vector<StringCasePtr> items) : items_(std::move(items)) {}
+  size_t Size() const override {
+    size_t size = sizeof *this;
+    for (const auto& item : items_) size += item->Size();
+    return size;
+  }
+  void List(std::string& out) const override {
+    out += "CASE ";
+    ListItems(out, items_);
+  }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, 94, 94, kEnds, kEnds};
+    return AnswerFrom(kRow, search, this);
+  }
+  bool Accepts(float) override { return false; }
+  bool Accepts(std::string_view selector) override {
+    for (const auto& item : items_)
+      if (item->Matches(selector)) return true;
+    return false;
+  }
+
+ private:
+  std::vector<StringCasePtr> items_;
+};
+
+class CaseElseStmt final : public CaseStmt {
+ public:
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "CASE ELSE"; }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, kEnds, kEnds, kEnds, kEnds};
+    return AnswerFrom(kRow, search, this);
+  }
+  bool Accepts(float) override { return true; }
+  bool Accepts(std::string_view) override { return true; }
+};
+
+class EndSelectStmt final : public Statement {
+ public:
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kEndIf; }  // shares the ENDIF code
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "ENDSELECT"; }
+  void Dump(std::string& out) const override {
+    Statement::Dump(out);
+    out += " Case: ";
+    DumpLink(out, last_);
+  }
+  int IndentClass() const override { return kCloses; }
+  bool IsExecutable() const override { return false; }
+  bool IsBlock() const override { return true; }
+  ErrorCode Resolve(Program&) override {
+    last_ = nullptr;
+    return 0;
+  }
+  ErrorCode Check(Program&) override { return last_ ? 0 : 92; }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {103, 0, 102, 100, 101, 91, kEnds, 91, kEnds};
+    return AnswerFrom(kRow, search, this);
+  }
+  void Bind(CaseStmt* last) { last_ = last; }
+
+ private:
+  CaseStmt* last_ = nullptr;
+};
+
+// The matching shared by both selector types: the CASE chain is walked in a
+// loop, so a SELECT with many CASEs costs no native stack.
+class SelectStmt : public BlockOpener {
+ public:
+  TokenCode Code() const override { return tok::kSelect; }
+  void Dump(std::string& out) const override {
+    Statement::Dump(out);
+    out += " Case: ";
+    DumpLink(out, first_);
+  }
+
+ protected:
+  explicit SelectStmt(bool numeric) : numeric_(numeric) {}
+  // The body of the first CASE that accepts the selector, else the exit.
+  template <typename Value>
+  Statement* Choose(Value selector) {
+    for (CaseStmt* c = first_; c; c = c->NextCase())
+      if (c->Accepts(selector)) return c->Successor();
+    return exit_;
+  }
+
+  Statement* FindCloser() override {
+    Statement* found =
+        SearchAfter(numeric_ ? Search::kFirstNumericCase : Search::kFirstStringCase, this);
+    if (!found) return nullptr;
+    Search follower = numeric_ ? Search::kNextNumericCase : Search::kNextStringCase;
+    std::vector<CaseStmt*> chain{static_cast<CaseStmt*>(found)};
+    EndSelectStmt* end = nullptr;
+    while (!end) {
+      CaseStmt* last = chain.back();
+      found = last->SearchAfter(follower, last);
+      if (!found) {
+        FailSearch(90, Location());
+        return nullptr;
+      }
+      if (auto* c = dynamic_cast<CaseStmt*>(found)) {
+        if (dynamic_cast<CaseElseStmt*>(last)) {
+          FailSearch(93, last->Location());
+          return nullptr;
+        }
+        chain.push_back(c);
+      } else {
+        end = static_cast<EndSelectStmt*>(found);
+      }
+    }
+    exit_ = end->Successor();
+    for (size_t i = 0; i < chain.size(); ++i)
+      chain[i]->Link(i + 1 < chain.size() ? chain[i + 1] : nullptr, exit_);
+    end->Bind(chain.back());
+    first_ = chain.front();
+    return end;
+  }
+  void ClearLinks() override {
+    first_ = nullptr;
+    exit_ = nullptr;
+  }
+  ErrorCode UnmatchedCode() const override { return 90; }
+
+ private:
+  bool numeric_;
+  CaseStmt* first_ = nullptr;
+  Statement* exit_ = nullptr;  // after the ENDSELECT: no CASE accepted the selector
+};
+
+class SelectNumericStmt final : public SelectStmt {
+ public:
+  explicit SelectNumericStmt(NumericExpPtr selector)
+      : SelectStmt(true), selector_(std::move(selector)) {}
+  Statement* Execute() override {
+    float value = selector_->Evaluate();
+    if (g_err.run) return successor_;
+    return Choose(value);
+  }
+  size_t Size() const override { return sizeof *this + selector_->Size(); }
+  void List(std::string& out) const override {
+    out += "SELECT ";
+    selector_->List(out);
+  }
+
+ private:
+  NumericExpPtr selector_;
+};
+
+class SelectStringStmt final : public SelectStmt {
+ public:
+  explicit SelectStringStmt(StringExpPtr selector)
+      : SelectStmt(false), selector_(std::move(selector)) {}
+  Statement* Execute() override {
+    std::string_view value = selector_->Evaluate(work_);
+    if (g_err.run) return successor_;
+    if (value.data() != work_.Data()) {
+      // The items are evaluated while the selector is held.
+      work_.Clear();
+      work_.Append(value);
+      value = work_.View();
+    }
+    return Choose(value);
+  }
+  size_t Size() const override { return sizeof *this + selector_->Size(); }
+  void List(std::string& out) const override {
+    out += "SELECT ";
+    selector_->List(out);
+  }
+
+ private:
+  StringExpPtr selector_;
+  StringValue work_;
+};
+
+bool LineEnds(Program& p) {
+  TokenCode next = p.Peek();
+  return next == tok::kEndOfLine || next == tok::kComment;
+}
+
+}  // namespace
+
+StatementPtr ParseSelect(Program& p) {
+  size_t mark = p.Mark();
+  if (StringExpPtr text = ParseStringExp(p); text && LineEnds(p))
+    return std::make_unique<SelectStringStmt>(std::move(text));
+  // A string expression that goes on is a comparison: a numeric selector.
+  p.Restore(mark);
+  SetParseError(0);
+  NumericExpPtr number = ParseNumericExp(p);
+  if (!number) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(37);
+    return nullptr;
+  }
+  return std::make_unique<SelectNumericStmt>(std::move(number));
+}
+
+// The first item decides whether the CASE is numeric or string.
+StatementPtr ParseCase(Program& p) {
+  if (p.Accept(tok::kElse)) return std::make_unique<CaseElseStmt>();
+  size_t mark = p.Mark();
+  if (StartsStringCase(p)) {
+    std::vector<StringCasePtr> items = ParseStringCases(p);
+    if (!items.empty()) return std::make_unique<CaseStringStmt>(std::move(items));
+  } else {
+    std::vector<NumericCasePtr> items = ParseNumericCases(p);
+    if (!items.empty()) return std::make_unique<CaseNumericStmt>(std::move(items));
+  }
+  p.Restore(mark);
   return nullptr;
 }
-StatementPtr ParseCase(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
-}
-StatementPtr ParseEndSelect(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
-}
+
+StatementPtr ParseEndSelect(Program&) { return std::make_unique<EndSelectStmt>(); }

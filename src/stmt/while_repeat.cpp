@@ -1,20 +1,180 @@
-// Placeholder until this statement family lands.
+// WHILE ... NEXT/ENDWHILE and REPEAT ... UNTIL: condition loops.
 #include "shell/program.h"
+#include "stmt/blocks.h"
 #include "stmt/parsers.h"
 
-StatementPtr ParseWhile(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+namespace {
+
+class WhileStmt;
+class RepeatStmt;
+
+// NEXT (alone) or ENDWHILE: returns to its WHILE, which tests again.
+class NextWhileStmt final : public Statement {
+ public:
+  explicit NextWhileStmt(bool endWhile) : endWhile_(endWhile) {}
+  Statement* Execute() override;
+  TokenCode Code() const override { return endWhile_ ? tok::kEndWhile : tok::kNext; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += endWhile_ ? "ENDWHILE" : "NEXT"; }
+  void Dump(std::string& out) const override;
+  int IndentClass() const override { return kCloses; }
+  bool IsBlock() const override { return true; }
+  ErrorCode Resolve(Program&) override {
+    while_ = nullptr;
+    return 0;
+  }
+  ErrorCode Check(Program&) override { return while_ ? 0 : 78; }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {82, 0, 80, kEnds, 79, 81, 81, 81, 81};
+    return AnswerFrom(kRow, search, this);
+  }
+  void Bind(WhileStmt* loop) { while_ = loop; }
+
+ private:
+  bool endWhile_;  // spelled ENDWHILE (or END WHILE) rather than NEXT
+  WhileStmt* while_ = nullptr;
+};
+
+class WhileStmt final : public BlockOpener {
+ public:
+  explicit WhileStmt(NumericExpPtr condition) : condition_(std::move(condition)) {}
+  Statement* Execute() override {
+    float value = condition_->Evaluate();
+    if (g_err.run) return successor_;
+    return value == 0.0f ? end_->Successor() : successor_;
+  }
+  TokenCode Code() const override { return tok::kWhile; }
+  size_t Size() const override { return sizeof *this + condition_->Size(); }
+  void List(std::string& out) const override {
+    out += "WHILE ";
+    condition_->List(out);
+  }
+  void Dump(std::string& out) const override {
+    Statement::Dump(out);
+    out += " Next: ";
+    DumpLink(out, end_);
+  }
+
+ protected:
+  Statement* FindCloser() override {
+    Statement* found = SearchAfter(Search::kEndWhile, this);
+    if (!found) return nullptr;
+    end_ = static_cast<NextWhileStmt*>(found);
+    end_->Bind(this);
+    return end_;
+  }
+  void ClearLinks() override { end_ = nullptr; }
+  ErrorCode UnmatchedCode() const override { return 77; }
+
+ private:
+  NumericExpPtr condition_;
+  NextWhileStmt* end_ = nullptr;  // its successor is the exit
+};
+
+Statement* NextWhileStmt::Execute() { return while_; }
+
+void NextWhileStmt::Dump(std::string& out) const {
+  Statement::Dump(out);
+  out += " While: ";
+  DumpLink(out, while_);
 }
-StatementPtr ParseEndWhile(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+class UntilStmt final : public Statement {
+ public:
+  explicit UntilStmt(NumericExpPtr condition) : condition_(std::move(condition)) {}
+  Statement* Execute() override;
+  TokenCode Code() const override { return tok::kUntil; }
+  size_t Size() const override { return sizeof *this + condition_->Size(); }
+  void List(std::string& out) const override {
+    out += "UNTIL ";
+    condition_->List(out);
+  }
+  void Dump(std::string& out) const override;
+  int IndentClass() const override { return kCloses; }
+  bool IsBlock() const override { return true; }
+  ErrorCode Resolve(Program&) override {
+    repeat_ = nullptr;
+    return 0;
+  }
+  ErrorCode Check(Program&) override { return repeat_ ? 0 : 83; }
+  SearchAnswer Answer(Search search, Statement*) override {
+    static constexpr AnswerRow kRow = {87, 0, 86, 85, kEnds, 88, 88, 88, 88};
+    return AnswerFrom(kRow, search, this);
+  }
+  void Bind(RepeatStmt* loop) { repeat_ = loop; }
+
+ private:
+  NumericExpPtr condition_;
+  RepeatStmt* repeat_ = nullptr;  // its successor is the top of the loop
+};
+
+// REPEAT does nothing when run; the successor chain skips it.
+class RepeatStmt final : public BlockOpener {
+ public:
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kRepeat; }
+  size_t Size() const override { return sizeof *this; }
+  void List(std::string& out) const override { out += "REPEAT"; }
+  void Dump(std::string& out) const override {
+    Statement::Dump(out);
+    out += " Until: ";
+    DumpLink(out, until_);
+  }
+  bool IsExecutable() const override { return false; }
+
+ protected:
+  Statement* FindCloser() override {
+    Statement* found = SearchAfter(Search::kUntil, this);
+    if (!found) return nullptr;
+    until_ = static_cast<UntilStmt*>(found);
+    until_->Bind(this);
+    return until_;
+  }
+  void ClearLinks() override { until_ = nullptr; }
+  ErrorCode UnmatchedCode() const override { return 84; }
+
+ private:
+  UntilStmt* until_ = nullptr;
+};
+
+Statement* UntilStmt::Execute() {
+  float value = condition_->Evaluate();
+  if (g_err.run) return successor_;
+  return value == 0.0f ? repeat_->Successor() : successor_;
 }
-StatementPtr ParseRepeat(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+void UntilStmt::Dump(std::string& out) const {
+  Statement::Dump(out);
+  out += " Repeat: ";
+  DumpLink(out, repeat_);
 }
-StatementPtr ParseUntil(Program&) {
-  SetParseError(kNotSupported);
-  return nullptr;
+
+NumericExpPtr ParseCondition(Program& p) {
+  size_t mark = p.Mark();
+  NumericExpPtr exp = ParseNumericExp(p);
+  if (!exp) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(35);
+  }
+  return exp;
+}
+
+}  // namespace
+
+StatementPtr MakeNextWhile(bool endWhile) { return std::make_unique<NextWhileStmt>(endWhile); }
+
+StatementPtr ParseWhile(Program& p) {
+  NumericExpPtr condition = ParseCondition(p);
+  if (!condition) return nullptr;
+  return std::make_unique<WhileStmt>(std::move(condition));
+}
+
+StatementPtr ParseEndWhile(Program&) { return MakeNextWhile(true); }
+
+StatementPtr ParseRepeat(Program&) { return std::make_unique<RepeatStmt>(); }
+
+StatementPtr ParseUntil(Program& p) {
+  NumericExpPtr condition = ParseCondition(p);
+  if (!condition) return nullptr;
+  return std::make_unique<UntilStmt>(std::move(condition));
 }

@@ -1,0 +1,226 @@
+#include "stmt/case_items.h"
+
+#include "shell/program.h"
+
+namespace {
+
+const char* RelationText(TokenCode op) {
+  switch (op) {
+    case tok::kLT:
+      return "<";
+    case tok::kLE:
+      return "<=";
+    case tok::kGT:
+      return ">";
+    case tok::kGE:
+      return ">=";
+    case tok::kEQ:
+      return "=";
+    default:
+      return "<>";  // "#" lists as "<>"
+  }
+}
+
+// The relation "selector op item" from a three-way comparison.
+bool Holds(TokenCode op, int order) {
+  switch (op) {
+    case tok::kLT:
+      return order < 0;
+    case tok::kLE:
+      return order <= 0;
+    case tok::kGT:
+      return order > 0;
+    case tok::kGE:
+      return order >= 0;
+    case tok::kEQ:
+      return order == 0;
+    default:
+      return order != 0;
+  }
+}
+
+class CaseNumericEQ final : public NumericCase {
+ public:
+  explicit CaseNumericEQ(NumericExpPtr value) : value_(std::move(value)) {}
+  size_t Size() const override { return sizeof *this + value_->Size(); }
+  void List(std::string& out) const override { value_->List(out); }
+  bool Matches(float selector) override { return selector == value_->Evaluate(); }
+
+ private:
+  NumericExpPtr value_;
+};
+
+class CaseNumericRelational final : public NumericCase {
+ public:
+  CaseNumericRelational(TokenCode op, NumericExpPtr value) : op_(op), value_(std::move(value)) {}
+  size_t Size() const override { return sizeof *this + value_->Size(); }
+  void List(std::string& out) const override {
+    out += RelationText(op_);
+    value_->List(out);
+  }
+  bool Matches(float selector) override {
+    float value = value_->Evaluate();
+    switch (op_) {
+      case tok::kLT:
+        return selector < value;
+      case tok::kLE:
+        return selector <= value;
+      case tok::kGT:
+        return selector > value;
+      case tok::kGE:
+        return selector >= value;
+      case tok::kEQ:
+        return selector == value;
+      default:
+        return selector != value;
+    }
+  }
+
+ private:
+  TokenCode op_;
+  NumericExpPtr value_;
+};
+
+class CaseNumericRange final : public NumericCase {
+ public:
+  CaseNumericRange(NumericExpPtr low, NumericExpPtr high)
+      : low_(std::move(low)), high_(std::move(high)) {}
+  size_t Size() const override { return sizeof *this + low_->Size() + high_->Size(); }
+  void List(std::string& out) const override {
+    low_->List(out);
+    out += " TO ";
+    high_->List(out);
+  }
+  bool Matches(float selector) override {
+    float low = low_->Evaluate();
+    float high = high_->Evaluate();
+    return low <= selector && selector <= high;
+  }
+
+ private:
+  NumericExpPtr low_, high_;
+};
+
+class CaseStringEQ final : public StringCase {
+ public:
+  explicit CaseStringEQ(StringExpPtr value) : value_(std::move(value)) {}
+  size_t Size() const override { return sizeof *this + value_->Size(); }
+  void List(std::string& out) const override { value_->List(out); }
+  bool Matches(std::string_view selector) override {
+    return CompareStrings(selector, value_->Evaluate(work_)) == 0;
+  }
+
+ private:
+  StringExpPtr value_;
+  StringValue work_;
+};
+
+class CaseStringRelational final : public StringCase {
+ public:
+  CaseStringRelational(TokenCode op, StringExpPtr value) : op_(op), value_(std::move(value)) {}
+  size_t Size() const override { return sizeof *this + value_->Size(); }
+  void List(std::string& out) const override {
+    out += RelationText(op_);
+    value_->List(out);
+  }
+  bool Matches(std::string_view selector) override {
+    return Holds(op_, CompareStrings(selector, value_->Evaluate(work_)));
+  }
+
+ private:
+  TokenCode op_;
+  StringExpPtr value_;
+  StringValue work_;
+};
+
+class CaseStringRange final : public StringCase {
+ public:
+  CaseStringRange(StringExpPtr low, StringExpPtr high)
+      : low_(std::move(low)), high_(std::move(high)) {}
+  size_t Size() const override { return sizeof *this + low_->Size() + high_->Size(); }
+  void List(std::string& out) const override {
+    low_->List(out);
+    out += " TO ";
+    high_->List(out);
+  }
+  bool Matches(std::string_view selector) override {
+    if (CompareStrings(selector, low_->Evaluate(lowWork_)) < 0) return false;
+    return CompareStrings(selector, high_->Evaluate(highWork_)) <= 0;
+  }
+
+ private:
+  StringExpPtr low_, high_;
+  StringValue lowWork_, highWork_;
+};
+
+// A relation token at the start of an item, or 0.
+TokenCode AcceptRelation(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode op = p.GetToken();
+  if (tok::Category(op) == tok::kRelation) return op;
+  p.Restore(mark);
+  return 0;
+}
+
+NumericCasePtr ParseNumericCase(Program& p) {
+  TokenCode op = AcceptRelation(p);
+  NumericExpPtr value = ParseNumericExp(p);
+  if (!value) return nullptr;
+  if (op) return std::make_unique<CaseNumericRelational>(op, std::move(value));
+  if (!p.Accept(tok::kTo)) return std::make_unique<CaseNumericEQ>(std::move(value));
+  NumericExpPtr high = ParseNumericExp(p);
+  if (!high) return nullptr;
+  return std::make_unique<CaseNumericRange>(std::move(value), std::move(high));
+}
+
+StringCasePtr ParseStringCase(Program& p) {
+  TokenCode op = AcceptRelation(p);
+  StringExpPtr value = ParseStringExp(p);
+  if (!value) return nullptr;
+  if (op) return std::make_unique<CaseStringRelational>(op, std::move(value));
+  if (!p.Accept(tok::kTo)) return std::make_unique<CaseStringEQ>(std::move(value));
+  StringExpPtr high = ParseStringExp(p);
+  if (!high) return nullptr;
+  return std::make_unique<CaseStringRange>(std::move(value), std::move(high));
+}
+
+template <typename Item, typename ParseItem>
+std::vector<std::unique_ptr<Item>> ParseItems(Program& p, ParseItem parse, ErrorCode missing) {
+  std::vector<std::unique_ptr<Item>> items;
+  do {
+    std::unique_ptr<Item> item = parse(p);
+    if (!item) {
+      if (!g_err.parse) SetParseError(missing);
+      items.clear();
+      return items;
+    }
+    items.push_back(std::move(item));
+  } while (p.Accept(tok::kComma));
+  return items;
+}
+
+}  // namespace
+
+bool StartsStringCase(Program& p) {
+  size_t mark = p.Mark();
+  AcceptRelation(p);
+  TokenCode code = p.GetToken();
+  p.Restore(mark);
+  switch (tok::Category(code)) {
+    case tok::kStrVar:
+    case tok::kStrArray:
+    case tok::kStrFunc:
+    case tok::kStrUserFn:
+      return code >= 0x100;
+    default:
+      return code == tok::kString;
+  }
+}
+
+std::vector<NumericCasePtr> ParseNumericCases(Program& p) {
+  return ParseItems<NumericCase>(p, ParseNumericCase, 35);
+}
+
+std::vector<StringCasePtr> ParseStringCases(Program& p) {
+  return ParseItems<StringCase>(p, ParseStringCase, 36);
+}

@@ -1,0 +1,40 @@
+// The items of a CASE: values, relations and ranges tested against the selector.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "expr/string_exp.h"
+
+class NumericCase {
+ public:
+  virtual ~NumericCase() = default;
+  virtual size_t Size() const = 0;
+  virtual void List(std::string& out) const = 0;
+  virtual bool Matches(float selector) = 0;
+};
+using NumericCasePtr = std::unique_ptr<NumericCase>;
+
+// String items compare like string relations: signed bytes, then length.
+class StringCase {
+ public:
+  virtual ~StringCase() = default;
+  virtual size_t Size() const = 0;
+  virtual void List(std::string& out) const = 0;
+  virtual bool Matches(std::string_view selector) = 0;
+};
+using StringCasePtr = std::unique_ptr<StringCase>;
+
+// True when the next item (after any relation) is a string expression.
+bool StartsStringCase(Program& p);
+// Comma-separated items; empty with the parse error set when one is malformed.
+std::vector<NumericCasePtr> ParseNumericCases(Program& p);
+std::vector<StringCasePtr> ParseStringCases(Program& p);
+
+template <typename Item>
+void ListItems(std::string& out, const std::vector<std::unique_ptr<Item>>& items) {
+  for (size_t i = 0; i < items.size(); ++i) {
+    if (i) out += ',';
+    items[i]->List(out);
+  }
+}
