@@ -1,12 +1,308 @@
-// Placeholder until user functions land.
-#include "expr/string_exp.h"
+// User function definitions and calls. A call passes its arguments through
+// the program's data stacks, so parameters are local to the call.
+#include "expr/user_func.h"
+
+#include <algorithm>
+
+#include "expr/function_nodes.h"
 #include "shell/program.h"
 
-NumericExpPtr ParseNumericUserCall(Program&) {
-  SetParseError(64);
-  return nullptr;
+// --- Parameter lists and definitions.
+
+bool ParameterSpec::Add(const VarToken* name, bool isString) {
+  if (SlotOf(name, isString) >= 0) return false;
+  params_.push_back({name, isString, isString ? strCount_++ : numCount_++});
+  return true;
 }
-StringExpPtr ParseStringUserCall(Program&) {
-  SetParseError(64);
-  return nullptr;
+
+int ParameterSpec::SlotOf(const VarToken* name, bool isString) const {
+  for (const Parameter& param : params_)
+    if (param.name == name && param.isString == isString) return static_cast<int>(param.slot);
+  return -1;
+}
+
+void ParameterSpec::List(std::string& out) const {
+  out += '(';
+  for (size_t i = 0; i < params_.size(); ++i) {
+    if (i) out += ',';
+    out += params_[i].name->Name();
+  }
+  out += ')';
+}
+
+void FuncSpec::List(std::string& out) const {
+  out += name_->Name();
+  params_.List(out);
+  out += '=';
+  ListBody(out);
+}
+
+namespace {
+
+// Parameter names bind to frame slots while a body is parsed; restored on every path.
+class ParamsScope final {
+ public:
+  ParamsScope(Program& p, const ParameterList* params) : p_(p), saved_(p.params) {
+    p.params = params;
+  }
+  ~ParamsScope() { p_.params = saved_; }
+  ParamsScope(const ParamsScope&) = delete;
+  ParamsScope& operator=(const ParamsScope&) = delete;
+
+ private:
+  Program& p_;
+  const ParameterList* saved_;
+};
+
+bool StartsWithFn(std::string_view name) {
+  return name.size() > 2 && (name[0] == 'f' || name[0] == 'F') &&
+         (name[1] == 'n' || name[1] == 'N');
+}
+
+bool ParseParameters(Program& p, ParameterSpec* out) {
+  if (!p.Accept(tok::kLParen)) return SetParseError(28), false;
+  if (p.Accept(tok::kRParen)) return true;
+  for (;;) {
+    TokenCode category = tok::Category(p.GetToken());
+    if ((category != tok::kNumVar && category != tok::kStrVar) || !p.Symbol())
+      return SetParseError(46), false;
+    if (!out->Add(static_cast<const VarToken*>(p.Symbol()), category == tok::kStrVar))
+      return SetParseError(45), false;
+    if (p.Accept(tok::kRParen)) return true;
+    if (!p.Accept(tok::kComma)) return SetParseError(47), false;
+  }
+}
+
+template <typename Spec, typename Body>
+std::unique_ptr<FuncSpec> ParseBody(Program& p, const VarToken* name, ParameterSpec params,
+                                    Body (*parse)(Program&), ErrorCode missing) {
+  Body body;
+  {
+    ParamsScope scope(p, &params);
+    body = parse(p);
+  }
+  if (!body) {
+    if (!g_err.parse) SetParseError(missing);
+    return nullptr;
+  }
+  return std::make_unique<Spec>(name, std::move(params), std::move(body));
+}
+
+}  // namespace
+
+std::unique_ptr<FuncSpec> ParseFuncSpec(Program& p) {
+  size_t mark = p.Mark();
+  TokenCode category = tok::Category(p.GetToken());
+  const KeyToken* symbol = p.Symbol();
+  if ((category != tok::kNumUserFn && category != tok::kStrUserFn) || !symbol) {
+    // "FNA" without brackets scans as a plain variable: its parameter list is missing.
+    bool plain = (category == tok::kNumVar || category == tok::kStrVar) && symbol;
+    SetParseError(plain && StartsWithFn(symbol->Name()) ? 43 : 42);
+    p.Restore(mark);
+    return nullptr;
+  }
+  const auto* name = static_cast<const VarToken*>(symbol);
+  ParameterSpec params;
+  std::unique_ptr<FuncSpec> spec;
+  if (!ParseParameters(p, &params)) {
+  } else if (!p.Accept(tok::kEQ)) {
+    SetParseError(27);
+  } else if (category == tok::kNumUserFn) {
+    spec = ParseBody<FuncNumericSpec>(p, name, std::move(params), ParseNumericExp, 35);
+  } else {
+    spec = ParseBody<FuncStringSpec>(p, name, std::move(params), ParseStringExp, 36);
+  }
+  if (!spec) p.Restore(mark);
+  return spec;
+}
+
+// --- Calls.
+
+namespace {
+
+// One argument of a call: a number or a string.
+struct Argument {
+  NumericExpPtr number;
+  StringExpPtr text;
+};
+
+// "(arg,...)": each argument a numeric expression, else a string expression.
+bool ParseArguments(Program& p, std::vector<Argument>* out) {
+  if (!p.Accept(tok::kLParen)) return SetParseError(28), false;
+  if (p.Accept(tok::kRParen)) return true;
+  do {
+    Argument arg;
+    if (!(arg.number = ParseNumericExp(p))) {
+      ErrorCode numericError = g_err.parse;
+      if (!(arg.text = ParseStringExp(p))) {
+        if (!g_err.parse) SetParseError(numericError ? numericError : 46);
+        return false;
+      }
+    }
+    out->push_back(std::move(arg));
+  } while (p.Accept(tok::kComma));
+  if (!p.Accept(tok::kRParen)) return SetParseError(29), false;
+  SetParseError(0);
+  return true;
+}
+
+// The shared part of the call nodes: binding, and entering and leaving a frame.
+class UserCall final {
+ public:
+  // Positions of the data stacks saved by a call.
+  struct Saved {
+    size_t numTop, strTop, numBase, strBase;
+  };
+
+  UserCall(const VarToken* name, std::vector<Argument> args, Program& prog)
+      : name_(name), args_(std::move(args)), prog_(prog) {}
+
+  size_t Size() const {
+    size_t size = args_.size() * sizeof(Argument);
+    for (const Argument& arg : args_) size += arg.number ? arg.number->Size() : arg.text->Size();
+    return size;
+  }
+
+  void List(std::string& out) const {
+    out += name_->Name();
+    out += '(';
+    for (size_t i = 0; i < args_.size(); ++i) {
+      if (i) out += ',';
+      if (args_[i].number)
+        args_[i].number->List(out);
+      else
+        args_[i].text->List(out);
+    }
+    out += ')';
+  }
+
+  ErrorCode Link(Program& prog) {
+    active_ = 0;  // a run that ended in 1010 left it raised
+    auto found = std::find_if(prog.functions.begin(), prog.functions.end(),
+                              [this](const FuncSpec* f) { return f->Name() == name_; });
+    if (found == prog.functions.end()) return 64;
+    if (!Compatible((*found)->Params())) return 66;
+    spec_ = *found;
+    // Every call site is active at most once, so the frames of all sites bound
+    // bound the stack depth: growing here means a call never allocates.
+    prog.numStack.resize(prog.numStack.size() + spec_->Params().NumericCount());
+    prog.strStack.resize(prog.strStack.size() + spec_->Params().StringCount());
+    return 0;
+  }
+
+  // Reserves the frame and stores the arguments, evaluated in the caller's
+  // frame; false (with 1010 raised) when this call site is already active.
+  bool Enter(Saved* saved) {
+    if (++active_ >= 2) {
+      SetRunError(1010);  // left raised: the error ends the run
+      return false;
+    }
+    *saved = {prog_.numTop, prog_.strTop, prog_.numBase, prog_.strBase};
+    const ParameterSpec& params = spec_->Params();
+    size_t numFrame = prog_.numTop, strFrame = prog_.strTop;
+    prog_.numTop += params.NumericCount();
+    prog_.strTop += params.StringCount();
+    for (size_t i = 0; i < args_.size(); ++i) {
+      const ParameterSpec::Parameter& param = params.Parameters()[i];
+      if (param.isString) {
+        StringValue& slot = prog_.strStack[strFrame + param.slot];
+        HoldIn(slot, args_[i].text->Evaluate(slot));
+      } else {
+        prog_.numStack[numFrame + param.slot] = args_[i].number->Evaluate();
+      }
+    }
+    prog_.numBase = numFrame;
+    prog_.strBase = strFrame;
+    return true;
+  }
+
+  void Leave(const Saved& saved) {
+    prog_.numTop = saved.numTop;
+    prog_.strTop = saved.strTop;
+    prog_.numBase = saved.numBase;
+    prog_.strBase = saved.strBase;
+    --active_;
+  }
+
+  const FuncSpec* Spec() const { return spec_; }
+
+ private:
+  bool Compatible(const ParameterSpec& params) const {
+    if (params.Parameters().size() != args_.size()) return false;
+    for (size_t i = 0; i < args_.size(); ++i)
+      if (params.Parameters()[i].isString != (args_[i].text != nullptr)) return false;
+    return true;
+  }
+
+  const VarToken* name_;
+  std::vector<Argument> args_;
+  Program& prog_;
+  uint32_t active_ = 0;
+  const FuncSpec* spec_ = nullptr;  // bound by the link pass
+};
+
+class NumericUserFunc final : public NumericExp, public Reference {
+ public:
+  NumericUserFunc(const VarToken* name, std::vector<Argument> args, Program& prog)
+      : call_(name, std::move(args), prog) {}
+  int Kind() const override { return static_cast<int>(tok::kNumUserFn); }
+  size_t Size() const override { return sizeof *this + call_.Size(); }
+  void List(std::string& out) const override { call_.List(out); }
+  ErrorCode Link(Program& prog) override { return call_.Link(prog); }
+  float Evaluate() override {
+    UserCall::Saved saved;
+    if (!call_.Enter(&saved)) return 0.0f;
+    float value = static_cast<const FuncNumericSpec*>(call_.Spec())->Body().Evaluate();
+    call_.Leave(saved);
+    return value;
+  }
+
+ private:
+  UserCall call_;
+};
+
+class StringUserFunc final : public StringExp, public Reference {
+ public:
+  StringUserFunc(const VarToken* name, std::vector<Argument> args, Program& prog)
+      : call_(name, std::move(args), prog) {}
+  int Kind() const override { return static_cast<int>(tok::kStrUserFn); }
+  size_t Size() const override { return sizeof *this + call_.Size(); }
+  void List(std::string& out) const override { call_.List(out); }
+  ErrorCode Link(Program& prog) override { return call_.Link(prog); }
+  std::string_view Evaluate(StringValue& work) override {
+    UserCall::Saved saved;
+    if (!call_.Enter(&saved)) return {};
+    // The result may lie in a parameter slot, which the next call reuses.
+    HoldIn(work, static_cast<const FuncStringSpec*>(call_.Spec())->Body().Evaluate(work));
+    call_.Leave(saved);
+    return work.View();
+  }
+
+ private:
+  UserCall call_;
+};
+
+template <typename Node, typename Ptr>
+Ptr ParseCall(Program& p, TokenCode category) {
+  size_t mark = p.Mark();
+  const KeyToken* symbol = nullptr;
+  if (tok::Category(p.GetToken()) == category) symbol = p.Symbol();
+  std::vector<Argument> args;
+  if (!symbol || !ParseArguments(p, &args)) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  auto node = std::make_unique<Node>(static_cast<const VarToken*>(symbol), std::move(args), p);
+  p.References().Append(node.get());
+  return node;
+}
+
+}  // namespace
+
+NumericExpPtr ParseNumericUserCall(Program& p) {
+  return ParseCall<NumericUserFunc, NumericExpPtr>(p, tok::kNumUserFn);
+}
+
+StringExpPtr ParseStringUserCall(Program& p) {
+  return ParseCall<StringUserFunc, StringExpPtr>(p, tok::kStrUserFn);
 }

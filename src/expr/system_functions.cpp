@@ -1,0 +1,163 @@
+// Functions that read the system or the run state: TIM, VER, TYP, TID, BRK, SYS.
+#include <unistd.h>
+
+#include <chrono>
+#include <ctime>
+
+#include "expr/function_nodes.h"
+#include "shell/program.h"
+
+namespace {
+
+using Clock = std::chrono::system_clock;
+
+// TIM(11) counts from here: the process start.
+const Clock::time_point g_started = Clock::now();
+
+// Calendar seconds and their milliseconds.
+struct WallTime {
+  int64_t seconds;
+  int64_t millis;
+};
+
+WallTime Split(Clock::time_point t) {
+  auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(t.time_since_epoch()).count();
+  int64_t seconds = ms / 1000, millis = ms % 1000;
+  if (millis < 0) {
+    millis += 1000;
+    --seconds;
+  }
+  return {seconds, millis};
+}
+
+// x rounded, or -1 when it is no small non-negative whole number.
+int Selector(float x) {
+  double n = RoundHalfUp(x);
+  return n >= 0 && n <= 1000 ? static_cast<int>(n) : -1;
+}
+
+class TimFunc final : public NumericArgFunc {
+ public:
+  TimFunc(const KeyToken* key, NumericExpPtr arg) : NumericArgFunc(key, std::move(arg)) {}
+  float Evaluate() override {
+    int n = Selector(arg_->Evaluate());
+    WallTime now = Split(Clock::now());
+    auto seconds = static_cast<time_t>(now.seconds);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    int64_t value;
+    switch (n) {
+      case 0:
+        value = local.tm_min;
+        break;
+      case 1:
+        value = local.tm_hour;
+        break;
+      case 2:
+        value = local.tm_yday + 1;
+        break;
+      case 3:
+        value = local.tm_year % 100;
+        break;
+      case 4:
+        value = local.tm_sec;
+        break;
+      case 5:
+        value = local.tm_wday;
+        break;
+      case 6:
+        value = local.tm_mday;
+        break;
+      case 7:
+        value = local.tm_mon;
+        break;
+      case 8:
+        value = local.tm_year;
+        break;
+      case 9:
+        value = local.tm_isdst;
+        break;
+      case 10:
+        value = now.seconds;
+        break;
+      case 11: {
+        WallTime start = Split(g_started);
+        value = (now.seconds - start.seconds) * 1000 - start.millis + now.millis;
+        break;
+      }
+      default:
+        SetRunError(1014);
+        return 0.0f;
+    }
+    return static_cast<float>(value);
+  }
+};
+
+class VerFunc final : public NumericArgFunc {
+ public:
+  VerFunc(const KeyToken* key, NumericExpPtr arg) : NumericArgFunc(key, std::move(arg)) {}
+  float Evaluate() override {
+    // The parts of V0.94.0.154; 0 runs minor and build together.
+    static constexpr float kParts[] = {94154.0f, 0.0f, 94.0f, 154.0f};
+    int n = Selector(arg_->Evaluate());
+    if (n < 0 || n > 3) {
+      SetRunError(1014);
+      return 0.0f;
+    }
+    return kParts[n];
+  }
+};
+
+class TypFunc final : public NumericArgFunc {
+ public:
+  TypFunc(const KeyToken* key, NumericExpPtr arg, Program& prog)
+      : NumericArgFunc(key, std::move(arg)), prog_(prog) {}
+  size_t Size() const override { return sizeof *this + arg_->Size(); }
+  float Evaluate() override {
+    static constexpr float kNumber = 1, kString = 2, kNone = 3;
+    if (Selector(arg_->Evaluate()) != 0) {
+      SetRunError(kNotSupported);  // the file forms
+      return kNone;
+    }
+    const DataItem* item = prog_.data.item;
+    if (!item) return kNone;
+    return item->type == tok::kStrVar ? kString : kNumber;
+  }
+
+ private:
+  Program& prog_;
+};
+
+// The argument is kept for listing only: these never evaluate it.
+class TidFunc final : public NumericArgFunc {
+ public:
+  TidFunc(const KeyToken* key, NumericExpPtr arg) : NumericArgFunc(key, std::move(arg)) {}
+  // The task is the interpreter's process.
+  float Evaluate() override { return static_cast<float>(static_cast<uint32_t>(getpid())); }
+};
+
+class ZeroFunc final : public NumericArgFunc {
+ public:
+  ZeroFunc(const KeyToken* key, NumericExpPtr arg) : NumericArgFunc(key, std::move(arg)) {}
+  float Evaluate() override { return 0.0f; }
+};
+
+}  // namespace
+
+NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, Program& prog) {
+  switch (key->Code()) {
+    case tok::kFnTim:
+      return std::make_unique<TimFunc>(key, std::move(arg));
+    case tok::kFnVer:
+      return std::make_unique<VerFunc>(key, std::move(arg));
+    case tok::kFnTyp:
+      return std::make_unique<TypFunc>(key, std::move(arg), prog);
+    case tok::kFnTid:
+      return std::make_unique<TidFunc>(key, std::move(arg));
+    case tok::kFnBrk:
+    case tok::kFnSys:
+      return std::make_unique<ZeroFunc>(key, std::move(arg));
+    default:
+      return nullptr;
+  }
+}
