@@ -156,8 +156,12 @@ ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
   data->name = name;
   data->count = static_cast<uint32_t>(total);
   data->dims = std::move(dims);
-  data->elements.reset(new (std::nothrow) StringValue[data->count ? data->count : 1]);
-  if (!data->elements) return kNoMemory;
+  // Every element allocates a block of its own: a shortage there is error 3, not an abort.
+  try {
+    data->elements.reset(new StringValue[data->count ? data->count : 1]);
+  } catch (const std::bad_alloc&) {
+    return kNoMemory;
+  }
   *out = std::move(data);
   return 0;
 }

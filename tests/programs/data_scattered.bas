@@ -1,0 +1,19 @@
+10 REM DATA spread over the program is read in program order
+20 DATA 1,"one"
+30 READ A,A$,B,B$
+40 PRINT A$;"-";B$
+50 PRINT A+B
+60 DATA 2
+70 RESTORE 90
+80 READ C$
+90 PRINT C$
+100 DATA "two"
+110 RESTORE
+120 READ E,E$
+130 PRINT E$
+140 DATA 0x1F,-7
+150 RESTORE 140
+160 READ F,G
+170 PRINT F+G
+180 READ H
+190 PRINT "not reached"

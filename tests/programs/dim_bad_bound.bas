@@ -1,0 +1,5 @@
+10 DIM A(0)
+20 DIM B$[0]
+30 DIM C$
+40 DIM D(N)
+50 PRINT "not run"

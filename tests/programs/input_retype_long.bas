@@ -1,0 +1,2 @@
+10 INPUT A
+20 PRINT A

@@ -1,0 +1,5 @@
+10 DATA "x",5
+20 READ S$
+30 RESTORE
+40 READ A
+50 PRINT "not reached"
