@@ -34,6 +34,13 @@ Statement* Program::Find(uint32_t number) const {
 // Numbered lines rise through the list (typed lines are sorted in, loaded
 // ones must rise), so the index order is the list order.
 void Program::Index(Statement* head) {
+  // The line's number reaches the statements that continue it only once they are linked.
+  if (head->Followed()) {
+    if (head->Number() != 0)
+      head->SetNumber(head->Number());
+    else if (head->Location() & loc::kFileLine)
+      head->SetFileLine(loc::Number(head->Location()));
+  }
   if (uint32_t number = head->Number(); number != 0 && !head->Hidden())
     lines_.emplace(number, head);
 }

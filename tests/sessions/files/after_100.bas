@@ -1,0 +1,3 @@
+100 REM a
+REM b
+REM c

@@ -1,0 +1,4 @@
+10 REM a
+20 STOP X
+REM c
+30 END

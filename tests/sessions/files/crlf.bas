@@ -1,0 +1,2 @@
+10 REM crlf
+20 END

@@ -1,0 +1,2 @@
+10 REM no line feed
+20 END

@@ -1,0 +1,3 @@
+REM a
+PRINT "B"
+REM c

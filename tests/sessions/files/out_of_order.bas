@@ -1,0 +1,4 @@
+10 REM a
+20 REM b
+15 REM c
+30 END

@@ -1,0 +1,5 @@
+10 REM a
+REM b
+REM c
+REM d
+20 END
