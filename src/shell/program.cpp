@@ -407,6 +407,11 @@ StringSimpleData* Program::StringSimple(const VarToken* name) {
   return slot.get();
 }
 
+StringSimpleData* Program::FindStringSimple(const VarToken* name) const {
+  unsigned ordinal = name->Ordinal();
+  return ordinal < strSimple_.size() ? strSimple_[ordinal].get() : nullptr;
+}
+
 std::unique_ptr<StringScriptData>& Program::StringArray(const VarToken* name) {
   return Slot(strArrays_, name);
 }

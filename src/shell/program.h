@@ -140,6 +140,7 @@ class Program final : public Tokenizer {
   NumericSimpleData* NumericSimple(const VarToken* name);  // found or created
   std::unique_ptr<NumericScriptData>& NumericArray(const VarToken* name);
   StringSimpleData* StringSimple(const VarToken* name);
+  StringSimpleData* FindStringSimple(const VarToken* name) const;  // null when not created
   std::unique_ptr<StringScriptData>& StringArray(const VarToken* name);
   size_t HeapSize() const;
 
