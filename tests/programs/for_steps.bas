@@ -1,0 +1,27 @@
+10 REM ascending, descending, fractional and zero-pass loops
+20 FOR I=1 TO 3
+30 PRINT I;
+40 NEXT I
+50 PRINT
+60 FOR I=10 TO 1 STEP -4
+70 PRINT I;
+80 NEXT I
+90 PRINT
+100 FOR I=1 TO 0
+110 PRINT "NEVER"
+120 NEXT I
+130 PRINT "AFTER";I
+140 FOR I=5 TO 1
+150 NEXT I
+160 REM a jump into the body of a finished loop falls through its NEXT
+170 GOTO 190
+180 FOR J=1 TO 3
+190 PRINT "BODY"
+200 NEXT J
+210 PRINT "DONE"
+220 FOR K=1 TO 2
+230 FOR L=1 TO 2
+240 PRINT K*10+L;
+250 NEXT L
+260 NEXT K
+270 PRINT

@@ -1,0 +1,2 @@
+10 PRINT "A"
+20 RETURN
