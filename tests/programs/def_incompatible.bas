@@ -1,0 +1,2 @@
+10 DEF FNA(X)=X
+20 PRINT FNA("S")
