@@ -86,9 +86,11 @@ void Program::InsertTyped(std::vector<StatementPtr> line) {
 void Program::Delete(Statement* stmt) {
   if (!stmt || stmt == endMark_) return;
   Unindex(stmt);
-  while (stmt->Followed()) {
+  // The statements that continue the line go with it, up to the one that ends it.
+  for (bool more = stmt->Followed(); more;) {
     Statement* next = stmt->Next();
     if (!next || next == endMark_) break;
+    more = next->Followed();
     if (next->ParseError()) --badLines_;
     next->Unlink();
     delete next;

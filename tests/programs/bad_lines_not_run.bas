@@ -1,0 +1,4 @@
+10 PRINT "NOT RUN"
+20 STOP X
+REM unnumbered
+30 SLEEP

@@ -1,0 +1,3 @@
+PRINT "ONE"
+REM two
+L: SLEEP 0
