@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 #include "shell/program.h"
 
@@ -18,12 +19,28 @@ namespace {
 
 float Truth(bool value) { return value ? 1.0f : 0.0f; }
 
+// The value a constant lists with: whole numbers in the range of hex constants
+// exactly, others as the shortest decimal that reads back as the same float, so
+// that a listed constant shows what was typed (0.1, 1E+20), not binary noise.
+double ListedValue(float value) {
+  if (!std::isfinite(value)) return value;
+  if (std::fabs(value) <= 4294967296.0f && value == std::trunc(value)) return value;
+  char buf[32];
+  double decimal = value;
+  for (int digits = 1; digits <= 9; ++digits) {
+    std::snprintf(buf, sizeof buf, "%.*e", digits - 1, double{value});
+    decimal = std::strtod(buf, nullptr);
+    if (static_cast<float>(decimal) == value) break;
+  }
+  return decimal;
+}
+
 class NumericLit final : public NumericExp {
  public:
   explicit NumericLit(float value) : value_(value) {}
   int Kind() const override { return kLiteral; }
   size_t Size() const override { return sizeof *this; }
-  void List(std::string& out) const override { Appendf(out, "%.15lG", double{value_}); }
+  void List(std::string& out) const override { Appendf(out, "%.15lG", ListedValue(value_)); }
   float Evaluate() override { return value_; }
   float value() const { return value_; }
 
@@ -129,13 +146,13 @@ struct MinOp {
   static constexpr TokenCode kKind = tok::kMin;
   static constexpr const char* kText = " MIN ";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return b < a ? b : a; }
+  static float Apply(float a, float b) { return a < b ? a : b; }
 };
 struct MaxOp {
   static constexpr TokenCode kKind = tok::kMax;
   static constexpr const char* kText = " MAX ";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return b > a ? b : a; }
+  static float Apply(float a, float b) { return a > b ? a : b; }
 };
 struct EqOp {
   static constexpr TokenCode kKind = tok::kEQ;
@@ -224,7 +241,7 @@ class BinaryEC final : public NumericExp {
   void List(std::string& out) const override {
     left_->List(out);
     out += Op::kText;
-    Appendf(out, "%.15lg", double{constant_});
+    Appendf(out, "%.15lg", ListedValue(constant_));
   }
   float Evaluate() override { return Op::Apply(left_->Evaluate(), constant_); }
 
@@ -544,10 +561,10 @@ NumericExpPtr ParseSubterm(Program& p) {
   return e;
 }
 
-// Parentheses nest through the whole grammar; past this depth a line is
-// refused rather than risking the native stack.
+// Parentheses, subscripts and arguments all nest through ParseNumericExp;
+// past this depth a line is refused rather than risking the native stack.
 constexpr int kMaxNesting = 400;
-int g_nesting = 0;
+int g_nesting = 0;  // active ParseNumericExp calls beyond the outermost
 
 }  // namespace
 
@@ -569,14 +586,7 @@ NumericExpPtr ParseNumericPrimary(Program& p) {
   }
   size_t mark = p.Mark();
   if (!p.Accept(tok::kLParen)) return nullptr;
-  if (g_nesting >= kMaxNesting) {
-    SetParseError(35);
-    p.Restore(mark);
-    return nullptr;
-  }
-  ++g_nesting;
   NumericExpPtr inner = ParseNumericExp(p);
-  --g_nesting;
   if (!inner) {
     p.Restore(mark);
     return nullptr;
@@ -589,16 +599,78 @@ NumericExpPtr ParseNumericPrimary(Program& p) {
   return std::make_unique<Primary>(std::move(inner));
 }
 
+// Both entries give back every token they read when they fail, so that the
+// caller can try another reading from the same place.
 NumericExpPtr ParseNumericSum(Program& p) {
+  size_t mark = p.Mark();
   NumericExpPtr e = ParseSumLevel(p);
   if (e) e = MinMaxTail(p, std::move(e));
+  if (!e) p.Restore(mark);
   return e;
 }
 
 NumericExpPtr ParseNumericExp(Program& p) {
+  if (g_nesting > kMaxNesting) {
+    SetParseError(35);
+    return nullptr;
+  }
+  ++g_nesting;
+  size_t mark = p.Mark();
   NumericExpPtr e = ParseRelation(p);
   if (e) e = AndTail(p, std::move(e));
   if (e) e = ExclusiveTail(p, std::move(e));
   if (e) e = OrTail(p, std::move(e));
+  if (!e) p.Restore(mark);
+  --g_nesting;
   return e;
+}
+
+NumericExpPtr MakeNumericOperator(TokenCode op, NumericExpPtr left, NumericExpPtr right) {
+  if (!left || !right) return nullptr;
+  switch (op) {
+    case tok::kCaret:
+    case tok::kPower:
+      return std::make_unique<Factor>(std::move(left), std::move(right));
+    case tok::kStar:
+      return std::make_unique<Multiply>(std::move(left), std::move(right));
+    case tok::kSlash:
+      return std::make_unique<Divide>(std::move(left), std::move(right));
+    case tok::kMod:
+      return std::make_unique<Mod>(std::move(left), std::move(right));
+    case tok::kDiv:
+      return std::make_unique<Div>(std::move(left), std::move(right));
+    case tok::kPlus:
+      return std::make_unique<Add>(std::move(left), std::move(right));
+    case tok::kMinus:
+      return std::make_unique<Subtract>(std::move(left), std::move(right));
+    case tok::kMin:
+      return std::make_unique<Min>(std::move(left), std::move(right));
+    case tok::kMax:
+      return std::make_unique<Max>(std::move(left), std::move(right));
+    case tok::kEQ:
+      return std::make_unique<Binary<EqOp>>(std::move(left), std::move(right));
+    case tok::kNE:
+    case tok::kHash:
+      return std::make_unique<Binary<NeOp>>(std::move(left), std::move(right));
+    case tok::kLT:
+      return std::make_unique<Binary<LtOp>>(std::move(left), std::move(right));
+    case tok::kLE:
+      return std::make_unique<Binary<LeOp>>(std::move(left), std::move(right));
+    case tok::kGT:
+      return std::make_unique<Binary<GtOp>>(std::move(left), std::move(right));
+    case tok::kGE:
+      return std::make_unique<Binary<GeOp>>(std::move(left), std::move(right));
+    case tok::kAnd:
+      return std::make_unique<Conjunction>(std::move(left), std::move(right));
+    case tok::kOr:
+      return std::make_unique<Disjunction>(std::move(left), std::move(right));
+    case tok::kXor:
+      return std::make_unique<ExclusiveXOR>(std::move(left), std::move(right));
+    case tok::kEqv:
+      return std::make_unique<ExclusiveEQV>(std::move(left), std::move(right));
+    case tok::kImp:
+      return std::make_unique<ExclusiveIMP>(std::move(left), std::move(right));
+    default:
+      return nullptr;
+  }
 }

@@ -42,3 +42,6 @@ NumericExpPtr ParseNumericUserCall(Program& prog);
 
 // A numeric literal node, for parsers that build trees of their own.
 NumericExpPtr MakeNumericLit(float value);
+// The node of a binary operator code (arithmetic, MIN/MAX, relation or logical)
+// over two trees, unfolded; null for any other code.
+NumericExpPtr MakeNumericOperator(TokenCode op, NumericExpPtr left, NumericExpPtr right);

@@ -1,0 +1,37 @@
+// Helpers for tests that parse numeric expressions into a scratch program.
+#pragma once
+#include <string>
+
+#include "expr/numeric_exp.h"
+#include "shell/program.h"
+
+namespace numeric_test {
+
+// Parses line as a numeric expression, with the parse error cleared first.
+inline NumericExpPtr Parse(Program& prog, const char* line) {
+  SetParseError(0);
+  prog.StartLine(line);
+  return ParseNumericExp(prog);
+}
+
+inline std::string ListOf(const NumericExp& e) {
+  std::string out;
+  e.List(out);
+  return out;
+}
+
+// Binds every variable reference as the link pass would; the first failure.
+inline ErrorCode LinkAll(Program& prog) {
+  ErrorCode first = 0;
+  for (Reference* r = prog.References().First(); r; r = r->Next())
+    if (ErrorCode code = r->Link(prog); code && !first) first = code;
+  return first;
+}
+
+// Evaluates with the run-time error cleared first.
+inline float Run(NumericExp& e) {
+  SetRunError(0);
+  return e.Evaluate();
+}
+
+}  // namespace numeric_test
