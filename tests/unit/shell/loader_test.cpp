@@ -1,0 +1,223 @@
+// Program files: the byte rules, renumbering on load, SAVE, and files that
+// are large or not BASIC at all. Files are made here, in a scratch folder.
+#include "shell/loader.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+using namespace std::string_literals;
+
+#include "console/console.h"
+#include "shell/program.h"
+#include "shell/run.h"
+#include "shell/shell.h"
+#include "stmt/simple_stmts.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Loader : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ = fs::temp_directory_path() / ("basic_loader_" + std::to_string(getpid()));
+    fs::create_directories(dir_);
+    old_ = InstallConsole(MakeStringConsole(&out_, ""));
+  }
+  void TearDown() override {
+    InstallConsole(std::move(old_));
+    fs::remove_all(dir_);
+    SetParseError(0);
+    ClearError();
+  }
+  // What the console printed so far.
+  const std::string& Out() {
+    TheConsole().Flush();
+    return out_;
+  }
+  std::string Write(const std::string& name, const std::string& bytes) {
+    std::string path = (dir_ / name).string();
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+  }
+  std::unique_ptr<Program> Load(const std::string& path) {
+    SourceFile file;
+    EXPECT_TRUE(file.Open(path.c_str()));
+    return LoadProgram(file, path, true);
+  }
+  static std::string Listing(const Program& prog) {
+    std::string text;
+    int depth = 0;
+    for (const Statement* s = prog.First(); s; s = s->Next())
+      if (!s->Hidden()) {
+        depth = prog.ListLine(text, s, 3, depth, true);
+        text += '\n';
+      }
+    return text;
+  }
+  static double Since(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  }
+
+  fs::path dir_;
+  std::string out_;
+  std::unique_ptr<Console> old_;
+};
+
+TEST_F(Loader, ByteRules) {
+  SourceFile file;
+  ASSERT_TRUE(file.Open(Write("bytes", "\tA\r\nab\tc\0d\nlast\x1Atail\nnever"s).c_str()));
+  std::string line;
+  ASSERT_TRUE(file.GetLine(line));
+  EXPECT_EQ(line, "    A");
+  ASSERT_TRUE(file.GetLine(line));
+  EXPECT_EQ(line, "ab  cd");
+  ASSERT_TRUE(file.GetLine(line));  // Ctrl-Z ends the file; the open line counts
+  EXPECT_EQ(line, "last");
+  EXPECT_EQ(file.LineCount(), 3u);
+  EXPECT_FALSE(file.GetLine(line));
+}
+
+TEST_F(Loader, BadLinesAreReportedByFileLineAndKept) {
+  auto prog = Load(Write("bad.bas", "10 REM ok\n0 REM zero\n20 STOP X\n\n30 END\n"));
+  EXPECT_EQ(Out(),
+            "Missing or Invalid Statement Number in file line 2\n"
+            "Characters after statement end in file line 3\n");
+  EXPECT_EQ(g_err.parse, 0u);
+  EXPECT_EQ(prog->BadLines(), 2);
+  prog->NumberUnnumbered();
+  EXPECT_EQ(Listing(*prog),
+            "   10   REM ok\n   15   ?0 REM zero\n   20   ?STOP X\n   25 \n   30   END\n");
+}
+
+TEST_F(Loader, RenumberingMovesCollidingLinesAndTheirReferences) {
+  std::string text = "10 REM start\n";
+  for (int i = 0; i < 20; ++i) text += "REM r\n";
+  text += "20 DATA 1\n215 RESTORE 220\n220 RESTORE 215\n300 RESTORE 20\n";
+  auto prog = Load(Write("twenty.bas", text));
+  EXPECT_TRUE(prog->NumberUnnumbered());
+  std::string listing = Listing(*prog);
+  EXPECT_NE(listing.find("  210   REM r\n  220   DATA 1\n  230   RESTORE 240\n"
+                         "  240   RESTORE 230\n  300   RESTORE 220\n"),
+            std::string::npos)
+      << listing;
+  ASSERT_EQ(Link(*prog), 0u);
+}
+
+TEST_F(Loader, OverlongLineKeepsItsNumberAndText) {
+  std::string text = "20 REM " + std::string(5000, 'y');
+  auto prog = Load(Write("long.bas", "10 REM\n" + text + "\n30 END\n"));
+  EXPECT_EQ(Out(), "Line too long in file line 2\n");
+  const Statement* s = prog->Find(20);
+  ASSERT_NE(s, nullptr);
+  EXPECT_EQ(s->ParseError(), 6u);
+  std::string listed;
+  s->List(listed);
+  EXPECT_EQ(listed, "?" + text.substr(3));
+}
+
+TEST_F(Loader, SaveReplacesTheFileOnlyWhenComplete) {
+  auto prog = Load(Write("in.bas", "10 FOR I=1 TO 2\n20 PRINT I\n30 NEXT I\n40 GOTO 20\n"));
+  std::string path = (dir_ / "out.bas").string();
+  Write("out.bas", "old");
+  ASSERT_EQ(SaveProgram(*prog, path, false), 0);
+  std::ifstream in(path);
+  std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(saved, "\tFOR I=1 TO 2\n   20 \tPRINT I\n\tNEXT I\n\tGOTO 20\n");
+  EXPECT_FALSE(fs::exists(path + ".saving~"));
+  EXPECT_NE(SaveProgram(*prog, (dir_ / "none" / "x.bas").string(), true), 0);
+  EXPECT_NE(Out().find("Cannot open "), std::string::npos);
+}
+
+TEST_F(Loader, RandomBytesLoadWithoutHarm) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 20; ++round) {
+    std::string bytes(20000, '\0');
+    for (char& c : bytes) c = static_cast<char>(random() % 256 == 26 ? 'x' : random());
+    auto prog = Load(Write("random.bas", bytes));
+    prog->NumberUnnumbered();
+    Link(*prog);
+    std::string text = Listing(*prog);
+    out_.clear();
+  }
+}
+
+TEST_F(Loader, LargeFilesLoadQuickly) {
+  std::string numbered, unnumbered, wide;
+  for (int i = 1; i <= 100000; ++i) {
+    numbered += std::to_string(i * 5) + " REM line\n";
+    unnumbered += "REM line\n";
+  }
+  numbered += "999999 END\n";
+  for (int i = 0; i < 100000; ++i) wide += "REM " + std::string(96, 'w') + "\n";  // 10 MB
+  auto start = std::chrono::steady_clock::now();
+  auto prog = Load(Write("numbered.bas", numbered));
+  EXPECT_EQ(prog->Find(500000)->Number(), 500000u);
+  EXPECT_EQ(prog->Find(999999)->Next(), prog->EndMark());
+  EXPECT_EQ(Out(), "");
+  prog = Load(Write("unnumbered.bas", unnumbered));
+  prog->NumberUnnumbered();
+  EXPECT_NE(prog->Find(500000), nullptr);  // 999998 / 100000 lines: step 5
+  EXPECT_EQ(Link(*prog), 0u);
+  EXPECT_EQ(::Run(*prog, true), 0u);
+  prog = Load(Write("wide.bas", wide));
+  EXPECT_EQ(prog->BadLines(), 0);
+  EXPECT_LT(Since(start), 20.0);
+}
+
+// The shell fed with NUL bytes, escapes, control characters and long lines.
+TEST_F(Loader, ShellSurvivesGarbageInput) {
+  std::mt19937 random(3);
+  const char pool[] = "\0\x1b[;1m0H\r\b\x7f\t \"A10:!\xff\x80";
+  std::string input;
+  for (int line = 0; line < 2000; ++line) {
+    int length = static_cast<int>(random() % 80);
+    for (int i = 0; i < length; ++i) input += pool[random() % (sizeof pool - 1)];
+    input += '\n';
+  }
+  input += "10 REM " + std::string(5000, 'z') + "\nLIST\nRUN\n";
+  InstallConsole(MakeStringConsole(&out_, input));
+  EXPECT_EQ(RunShell(), 0);
+  EXPECT_NE(Out().find("   10   REM zzz"), std::string::npos);
+  EXPECT_EQ(Out().substr(out_.size() - 31), "\n0000 MINUTES OF TERMINAL TIME\n");
+}
+
+TEST_F(Loader, DumpAndLenFormats) {
+  InstallConsole(MakeStringConsole(&out_, "10 REM hi\n20 L: STOP\nRUN\nDUMP\nLEN\n"));
+  RunShell();
+  Program scratch;
+  scratch.StartLine("STOP");
+  size_t stop = scratch.ParseLine().front()->Size();
+  size_t rem = RemStmt("hi").Size(), label = LabelStmt("L", true).Size();
+  size_t mark = EndMarkStmt().Size();
+  char expected[300];
+  std::snprintf(expected, sizeof expected,
+                "DUMP\n  10 [%3zu]02 RNS<20  > REM hi\n  20 [%3zu]12 RNS<20  > L:\n"
+                "  20 [%3zu]0e CES<0  > STOP\n   0 [%3zu]04 RES<<nullptr>> ENDMARK\nLEN\n",
+                rem, label, stop, mark);
+  EXPECT_NE(Out().find(expected), std::string::npos) << out_;
+  size_t total = 0, program = 0, tables = 0, heaps = 1;
+  ASSERT_EQ(std::sscanf(out_.c_str() + out_.find("\nLEN\n") + 5,
+                        "%zu BYTES IN PROGRAM (class Program=%zu; tables=%zu; heaps=%zu)\n", &total,
+                        &program, &tables, &heaps),
+            4);
+  EXPECT_EQ(program, sizeof(Program));
+  EXPECT_EQ(heaps, 0u);
+  EXPECT_EQ(total, program + rem + label + stop + mark + tables);
+}
+
+TEST_F(Loader, MissingFileFromTheCommandLine) {
+  EXPECT_EQ(RunFile((dir_ / "none.bas").string().c_str()), -1);
+  EXPECT_EQ(out_.rfind("\nVelo Basic V0.94.0.154 ", 0), 0u);
+  EXPECT_NE(Out().find("\n\nUnable to open " + (dir_ / "none.bas").string() + ".\n"),
+            std::string::npos);
+}
+
+}  // namespace
