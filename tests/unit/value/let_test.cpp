@@ -1,0 +1,53 @@
+// LET with and without its keyword.
+#include <gtest/gtest.h>
+
+#include "../format/print_session.h"
+
+namespace {
+
+using print_test::ListingOf;
+using print_test::Output;
+using print_test::ParseErrorOf;
+
+TEST(Let, TargetLists) {
+  EXPECT_EQ(Output({"10 A,B=5", "20 PRINT A;B"}), " 5     5    \n");
+  EXPECT_EQ(Output({"10 LET A=B=5", "20 PRINT A;B"}), " 5     5    \n");
+  EXPECT_EQ(Output({"10 B=2", "20 A=B=C=B+1", "30 PRINT A;B;C"}), " 3     3     3    \n");
+  // A single "=" between two names is an assignment of the second to the first.
+  EXPECT_EQ(Output({"10 B=7", "20 A=B", "30 PRINT A"}), " 7    \n");
+  EXPECT_EQ(Output({"10 A$,B$=\"X\"", "20 C$=D$=A$+B$", "30 PRINT A$;B$;C$;D$"}), "XXXXXX\n");
+  // A string comparison on the right is a numeric value.
+  EXPECT_EQ(Output({"10 A=\"B\">\"A\"", "20 PRINT A"}), " 1    \n");
+}
+
+TEST(Let, GroupsRunLeftToRight) {
+  EXPECT_EQ(Output({"10 X=1; Y=X+1", "20 PRINT X;Y"}), " 1     2    \n");
+  EXPECT_EQ(Output({"10 LET A$=\"AB\"; A$[3]=A$;", "20 PRINT A$[1,4]"}), "ABAB\n");
+}
+
+TEST(Let, ElementTargets) {
+  ErrorCode error = 0;
+  EXPECT_EQ(Output({"10 A(3),B=4", "20 PRINT A(3);B"}), " 4     4    \n");
+  Output({"10 A(11)=1"}, 72, &error);
+  EXPECT_EQ(error, 1002u);
+}
+
+TEST(Let, ParseErrors) {
+  EXPECT_EQ(ParseErrorOf("LET"), 24u);
+  EXPECT_EQ(ParseErrorOf("LET 5"), 24u);
+  EXPECT_EQ(ParseErrorOf("A=\"X\""), 35u);
+  EXPECT_EQ(ParseErrorOf("A,B="), 35u);
+  EXPECT_EQ(ParseErrorOf("A$=B"), 36u);
+  EXPECT_EQ(ParseErrorOf("LET A$,B$"), 36u);
+  EXPECT_EQ(ParseErrorOf("X=1;"), 0u);
+  EXPECT_EQ(ParseErrorOf("X=1;Y="), 35u);
+}
+
+// Each target keeps the separator it was written with.
+TEST(Let, Listing) {
+  EXPECT_EQ(ListingOf("LET A,B=5"), "LET A,B=5");
+  EXPECT_EQ(ListingOf("A = B = 5"), "A=B=5");
+  EXPECT_EQ(ListingOf("A,B=C=1;D$[2,3]=E$+\"X\""), "A,B=C=1; D$[2,3]=E$+\"X\"");
+}
+
+}  // namespace
