@@ -33,13 +33,16 @@ class InputStmt : public Statement {
   virtual void ListPrompt(std::string&) const {}
 
  private:
-  // Prints the prompt and reads the next line into scanner; false when the
-  // INPUT ends (an empty line, a break, or the end of input with 2004 raised).
-  bool Ask(const char* prompt);
+  // The typed line and its scanner live on the stack while the INPUT runs.
+  struct Typed {
+    char line[Console::kLineMax + 1];
+    InputScanner scanner;
+  };
+  // Prints the prompt and reads the next line; false when the INPUT ends (an
+  // empty line, a break, or the end of input with 2004 raised).
+  bool Ask(Typed& typed, const char* prompt);
 
   TargetList targets_;
-  InputScanner scanner_;
-  char line_[Console::kLineMax + 1];
 };
 
 class InputPromptStmt final : public InputStmt {
@@ -59,22 +62,24 @@ class InputPromptStmt final : public InputStmt {
   std::string prompt_;
 };
 
-bool InputStmt::Ask(const char* prompt) {
+bool InputStmt::Ask(Typed& typed, const char* prompt) {
   Console& con = TheConsole();
   con.Printf("%s", prompt);
-  int n = con.ReadLine(line_);
+  int n = con.ReadLine(typed.line);
   if (n == Console::kEndOfInput) Raise(2004, Location());
   if (n <= 0) return false;
-  scanner_.Start(line_);
+  typed.scanner.Start(typed.line);
   return true;
 }
 
 Statement* InputStmt::Execute() {
   Console& con = TheConsole();
-  if (!Ask(Prompt())) return successor_;
+  Typed typed;
+  InputScanner& scanner = typed.scanner;
+  if (!Ask(typed, Prompt())) return successor_;
   size_t target = 0;
   unsigned itemNumber = 1;
-  for (unsigned cls = scanner_.Next();;) {
+  for (unsigned cls = scanner.Next();;) {
     if (cls != item::kEnd && target == targets_.size()) {
       con.Printf("Extra input - warning only (%u)\n", cls);
       break;
@@ -82,47 +87,47 @@ Statement* InputStmt::Execute() {
     switch (cls) {
       case item::kEnd:
         if (target == targets_.size()) return successor_;
-        if (!Ask("?")) return successor_;
-        cls = scanner_.Next();
+        if (!Ask(typed, "?")) return successor_;
+        cls = scanner.Next();
         continue;
       case item::kString:
       case item::kText:
         if (!targets_[target]->IsString()) {
           con.Printf("Bad Input. Re-type from item %u\n", itemNumber);
-          if (!Ask("??")) return successor_;
-          cls = scanner_.Next();
+          if (!Ask(typed, "??")) return successor_;
+          cls = scanner.Next();
           continue;
         }
-        targets_[target]->Assign(scanner_.Text());
+        targets_[target]->Assign(scanner.Text());
         break;
       case item::kInteger:
       case item::kDecimal:
       case item::kExponent:
         if (targets_[target]->IsString())
-          targets_[target]->Assign(scanner_.Text());
+          targets_[target]->Assign(scanner.Text());
         else
-          targets_[target]->Assign(static_cast<float>(std::strtod(scanner_.CText(), nullptr)));
+          targets_[target]->Assign(static_cast<float>(std::strtod(scanner.CText(), nullptr)));
         break;
       case item::kHex:
         // A string target keeps the digits as typed, as for the other numbers.
         if (targets_[target]->IsString())
-          targets_[target]->Assign(scanner_.Text());
+          targets_[target]->Assign(scanner.Text());
         else
-          targets_[target]->Assign(HexValue(scanner_.Text()));
+          targets_[target]->Assign(HexValue(scanner.Text()));
         break;
       default:
         con.Printf("Bad Input. Re-type from item 1\n");
         target = 0;
         itemNumber = 1;
-        if (!Ask("??")) return successor_;
-        cls = scanner_.Next();
+        if (!Ask(typed, "??")) return successor_;
+        cls = scanner.Next();
         continue;
     }
     // A storage failure of the target (a subscript out of bounds) ends the INPUT.
     if (g_err.run) break;
     ++target;
     ++itemNumber;
-    cls = scanner_.Next();
+    cls = scanner.Next();
   }
   return successor_;
 }

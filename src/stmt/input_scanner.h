@@ -62,6 +62,6 @@ class InputScanner {
 
   const char* pos_ = "";
   // An item never holds more characters than its line.
-  char item_[Console::kLineMax + 1] = {};
+  char item_[Console::kLineMax + 1];
   size_t length_ = 0;
 };
