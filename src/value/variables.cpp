@@ -54,6 +54,14 @@ std::unique_ptr<T> Register(Program& p, std::unique_ptr<T> ref) {
   return ref;
 }
 
+// The variable a symbol token names; null for keywords and other tokens.
+const VarToken* SymbolOf(const Program& p, TokenCode code) {
+  TokenCode category = tok::Category(code);
+  bool variable = category == tok::kNumVar || category == tok::kStrVar ||
+                  category == tok::kNumArray || category == tok::kStrArray;
+  return variable && code >= 0x100 ? static_cast<const VarToken*>(p.Symbol()) : nullptr;
+}
+
 double Round(float x) { return std::floor(double{x} + 0.5); }
 
 }  // namespace
@@ -276,7 +284,7 @@ void StringSubVar::Assign(std::string_view text) {
 std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
   size_t mark = p.Mark();
   TokenCode code = p.GetToken();
-  const auto* name = static_cast<const VarToken*>(p.Symbol());
+  const VarToken* name = SymbolOf(p, code);
   if (tok::Category(code) == tok::kNumVar && name) {
     if (p.params) {
       int slot = p.params->NumericSlot(name);
@@ -298,7 +306,7 @@ std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
 std::unique_ptr<StringVar> ParseStringVar(Program& p) {
   size_t mark = p.Mark();
   TokenCode code = p.GetToken();
-  const auto* name = static_cast<const VarToken*>(p.Symbol());
+  const VarToken* name = SymbolOf(p, code);
   std::unique_ptr<StringWholeVar> base;
   if (tok::Category(code) == tok::kStrVar && name) {
     int slot = p.params ? p.params->StringSlot(name) : -1;
