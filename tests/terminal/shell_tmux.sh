@@ -25,12 +25,12 @@ wait_for() {  # pattern [count]
     sleep 0.05
   done
   fail "timed out waiting for '$pattern' x$count"
-  screen | tail -n 20 | sed 's/^/  | /'
+  screen | grep -v '^$' | tail -n 20 | sed 's/^/  | /'
   return 1
 }
 
 tm new-session -d -s t -x 100 -y 40 \
-  "env TERM=xterm sh -c '\"$bin\"; echo \"status \$?\"; stty -a > \"$tmp/stty\"; echo STTY-DONE; sleep 30'"
+  "env TERM=xterm sh -c 'trap : INT; \"$bin\"; echo \"status \$?\"; stty -a > \"$tmp/stty\"; echo STTY-DONE; sleep 30'"
 
 wait_for '^READY$'
 tm send-keys -t t 'WIDTH' Enter
