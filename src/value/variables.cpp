@@ -48,6 +48,33 @@ bool ParseSubscripts(Program& p, std::vector<NumericExpPtr>* out) {
   return true;
 }
 
+// Binds an array reference: an undeclared array used with one subscript gets
+// ten elements; the subscript count must match the dimensions.
+template <typename Data, typename Maker>
+ErrorCode BindArray(std::unique_ptr<Data>& array, const VarToken* name, size_t subscripts,
+                    Maker make, Data** bound) {
+  if (!array) {
+    if (subscripts != 1) return 65;
+    if (ErrorCode code = make(name, DimensionList({10}), &array)) return code;
+  }
+  if (array->dims.Count() != subscripts) return 1003;
+  *bound = array.get();
+  return 0;
+}
+
+// The addressed element, or null with 1002 raised unless an error is already set.
+template <typename Data>
+auto ElementOf(Data* data, std::vector<NumericExpPtr>& subscripts, std::vector<float>& values)
+    -> decltype(&data->elements[0]) {
+  EvaluateSubscripts(subscripts, values);
+  int64_t index = ElementIndex(data->dims, values.data());
+  if (index < 0) {
+    if (!g_err.run) SetRunError(1002);
+    return nullptr;
+  }
+  return &data->elements[index];
+}
+
 template <typename T>
 std::unique_ptr<T> Register(Program& p, std::unique_ptr<T> ref) {
   p.References().Append(ref.get());
@@ -87,25 +114,10 @@ void NumericScriptVar::List(std::string& out) const {
 }
 
 ErrorCode NumericScriptVar::Link(Program& prog) {
-  auto& array = prog.NumericArray(name_);
-  if (!array) {
-    if (subscripts_.size() != 1) return 65;
-    if (ErrorCode code = MakeNumericArray(name_, DimensionList({10}), &array)) return code;
-  }
-  if (array->dims.Count() != subscripts_.size()) return 1003;
-  data_ = array.get();
-  return 0;
+  return BindArray(prog.NumericArray(name_), name_, subscripts_.size(), MakeNumericArray, &data_);
 }
 
-float* NumericScriptVar::Element() {
-  EvaluateSubscripts(subscripts_, values_);
-  int64_t index = ElementIndex(data_->dims, values_.data());
-  if (index < 0) {
-    if (!g_err.run) SetRunError(1002);
-    return nullptr;
-  }
-  return &data_->elements[index];
-}
+float* NumericScriptVar::Element() { return ElementOf(data_, subscripts_, values_); }
 
 float NumericScriptVar::Evaluate() {
   float* element = Element();
@@ -136,25 +148,10 @@ void StringScriptVar::List(std::string& out) const {
 }
 
 ErrorCode StringScriptVar::Link(Program& prog) {
-  auto& array = prog.StringArray(name_);
-  if (!array) {
-    if (subscripts_.size() != 1) return 65;
-    if (ErrorCode code = MakeStringArray(name_, DimensionList({10}), &array)) return code;
-  }
-  if (array->dims.Count() != subscripts_.size()) return 1003;
-  data_ = array.get();
-  return 0;
+  return BindArray(prog.StringArray(name_), name_, subscripts_.size(), MakeStringArray, &data_);
 }
 
-StringValue* StringScriptVar::Locate() {
-  EvaluateSubscripts(subscripts_, values_);
-  int64_t index = ElementIndex(data_->dims, values_.data());
-  if (index < 0) {
-    if (!g_err.run) SetRunError(1002);
-    return nullptr;
-  }
-  return &data_->elements[index];
-}
+StringValue* StringScriptVar::Locate() { return ElementOf(data_, subscripts_, values_); }
 
 ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
                           std::unique_ptr<StringScriptData>* out) {
