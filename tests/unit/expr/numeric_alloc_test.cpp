@@ -51,7 +51,8 @@ class NumericAlloc : public ::testing::Test {
 
 TEST_F(NumericAlloc, TheCounterSeesAllocations) {
   long before = g_allocations.load();
-  auto* p = new int(5);
+  // Stored through a volatile pointer so the optimiser cannot drop the pair.
+  int* volatile p = new int(5);
   delete p;
   EXPECT_EQ(g_allocations.load() - before, 1);
 }
