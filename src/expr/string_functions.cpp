@@ -12,7 +12,7 @@ std::string_view HoldIn(StringValue& work, std::string_view text) {
   const char* begin = work.Data();
   std::less_equal<const char*> le;
   if (le(begin, text.data()) && le(text.data(), begin + work.Capacity())) {
-    std::memmove(work.Data(), text.data(), text.size());
+    CopyChars(work.Data(), text);
     work.SetLength(static_cast<uint32_t>(text.size()));
   } else {
     work.Clear();

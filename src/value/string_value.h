@@ -5,6 +5,12 @@
 #include <memory>
 #include <string_view>
 
+// memcpy and memmove with a null source are undefined even for no bytes, and an
+// empty string_view may carry a null pointer.
+inline void CopyChars(char* to, std::string_view from) {
+  if (!from.empty()) std::memmove(to, from.data(), from.size());
+}
+
 class StringValue {
  public:
   // The smallest multiple of 32 above a length: every buffer keeps room for its NUL.
@@ -31,11 +37,11 @@ class StringValue {
     uint32_t capacity = CapacityFor(text.size());
     if (capacity != capacity_) {
       std::unique_ptr<char[]> fresh(new char[capacity]());
-      std::memcpy(fresh.get(), text.data(), text.size());
+      CopyChars(fresh.get(), text);
       data_ = std::move(fresh);
       capacity_ = capacity;
     } else {
-      std::memmove(data_.get(), text.data(), text.size());
+      CopyChars(data_.get(), text);
     }
     SetLength(static_cast<uint32_t>(text.size()));
   }
@@ -43,7 +49,7 @@ class StringValue {
   void Clear() { SetLength(0); }
   void Append(std::string_view text) {
     Reserve(uint64_t{length_} + text.size());
-    std::memcpy(data_.get() + length_, text.data(), text.size());
+    CopyChars(data_.get() + length_, text);
     SetLength(length_ + static_cast<uint32_t>(text.size()));
   }
   void Append(char c) {

@@ -254,7 +254,7 @@ void StringSubVar::Assign(std::string_view text) {
       return;
     }
     target->Reserve(m);
-    std::memmove(target->Data() + s - 1, text.data(), text.size());
+    CopyChars(target->Data() + s - 1, text);
     target->SetLength(static_cast<uint32_t>(m));
     SetRunError(0);
     return;
@@ -271,7 +271,7 @@ void StringSubVar::Assign(std::string_view text) {
   uint32_t oldLength = target->Length();
   target->Reserve(s - 1 + n);
   size_t copied = std::min<uint64_t>(n, text.size());
-  std::memmove(target->Data() + s - 1, text.data(), copied);
+  CopyChars(target->Data() + s - 1, text.substr(0, copied));
   std::memset(target->Data() + s - 1 + copied, ' ', n - copied);
   target->SetLength(static_cast<uint32_t>(std::max<uint64_t>(oldLength, s - 1 + n)));
 }
