@@ -395,7 +395,7 @@ std::unique_ptr<T>& Slot(std::vector<std::unique_ptr<T>>& heap, const VarToken* 
 
 NumericSimpleData* Program::NumericSimple(const VarToken* name) {
   auto& slot = Slot(numSimple_, name);
-  if (!slot) slot.reset(new NumericSimpleData{name});
+  if (!slot) slot = std::make_unique<NumericSimpleData>(NumericSimpleData{name});
   return slot.get();
 }
 
@@ -405,7 +405,7 @@ std::unique_ptr<NumericScriptData>& Program::NumericArray(const VarToken* name) 
 
 StringSimpleData* Program::StringSimple(const VarToken* name) {
   auto& slot = Slot(strSimple_, name);
-  if (!slot) slot.reset(new StringSimpleData{name, StringValue()});
+  if (!slot) slot = std::make_unique<StringSimpleData>(StringSimpleData{name, StringValue()});
   return slot.get();
 }
 
