@@ -6,6 +6,7 @@
 
 #include "expr/random.h"
 #include "shell/program.h"
+#include "test_program.h"
 
 namespace {
 
@@ -16,8 +17,7 @@ class FunctionsTest : public ::testing::Test {
     SetParseError(0);
     prog_.StartLine(text);
     NumericExpPtr e = ParseNumericExp(prog_);
-    if (e)
-      for (Reference* r = prog_.References().First(); r; r = r->Next()) r->Link(prog_);
+    if (e) test_program::LinkReferences(prog_);
     return e;
   }
   float Eval(const char* text) {

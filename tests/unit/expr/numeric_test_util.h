@@ -4,6 +4,7 @@
 
 #include "expr/numeric_exp.h"
 #include "shell/program.h"
+#include "test_program.h"
 
 namespace numeric_test {
 
@@ -21,12 +22,7 @@ inline std::string ListOf(const NumericExp& e) {
 }
 
 // Binds every variable reference as the link pass would; the first failure.
-inline ErrorCode LinkAll(Program& prog) {
-  ErrorCode first = 0;
-  for (Reference* r = prog.References().First(); r; r = r->Next())
-    if (ErrorCode code = r->Link(prog); code && !first) first = code;
-  return first;
-}
+inline ErrorCode LinkAll(Program& prog) { return test_program::LinkReferences(prog); }
 
 // Evaluates with the run-time error cleared first.
 inline float Run(NumericExp& e) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "shell/program.h"
+#include "test_program.h"
 
 namespace {
 
@@ -13,8 +14,7 @@ class StringFunctionsTest : public ::testing::Test {
     SetParseError(0);
     prog_.StartLine(text);
     StringExpPtr e = ParseStringExp(prog_);
-    if (e)
-      for (Reference* r = prog_.References().First(); r; r = r->Next()) r->Link(prog_);
+    if (e) test_program::LinkReferences(prog_);
     return e;
   }
   std::string Eval(const char* text) {

@@ -11,47 +11,34 @@
 #include "console/console.h"
 #include "shell/program.h"
 #include "shell/run.h"
+#include "test_program.h"
 
 namespace print_test {
 
-// Installs a console that writes into out for the test's lifetime.
+using test_program::ListingOf;
+using test_program::ParseErrorOf;
+
+// Captures output at the given width.
 class Capture final {
  public:
-  explicit Capture(int width = 72) : old_(InstallConsole(MakeStringConsole(&out_, ""))) {
-    TheConsole().SetWidth(width);
-  }
-  ~Capture() { InstallConsole(std::move(old_)); }
-  const std::string& Text() {
-    TheConsole().Flush();
-    return out_;
-  }
+  explicit Capture(int width = 72) : console_("", width) {}
+  const std::string& Text() { return console_.Text(); }
 
  private:
-  std::string out_;
-  std::unique_ptr<Console> old_;
+  test_program::ConsoleCapture console_;
 };
 
+// Builds a program whose lines must all parse.
 inline std::unique_ptr<Program> Build(std::initializer_list<const char*> lines) {
-  auto prog = std::make_unique<Program>();
-  for (const char* text : lines) {
-    SetParseError(0);
-    prog->StartLine(text);
-    EXPECT_EQ(prog->GetToken(), tok::kInteger) << text;
-    auto number =
-        static_cast<uint32_t>(std::strtoul(std::string(prog->Text()).c_str(), nullptr, 10));
-    auto line = prog->ParseLine();
-    EXPECT_EQ(line.front()->ParseError(), 0u) << text;
-    line.front()->SetNumber(number);
-    prog->Append(std::move(line));
-  }
-  SetParseError(0);
+  auto prog = test_program::Build(lines);
+  for (const Statement* s = prog->First(); s; s = s->Next())
+    EXPECT_EQ(s->ParseError(), 0u) << s->Number();
   return prog;
 }
 
 // Links and runs; the error that ended the run, with the error state cleared.
 inline ErrorCode LinkAndRun(Program& prog) {
-  ErrorCode code = Link(prog);
-  if (!code) code = Run(prog, true);
+  ErrorCode code = test_program::LinkAndRun(prog);
   ClearError();
   return code;
 }
@@ -74,27 +61,6 @@ inline std::string Output(std::initializer_list<const char*> lines, int width = 
   ErrorCode code = LinkAndRun(*prog);
   if (error) *error = code;
   return capture.Text();
-}
-
-// The parse error of one unnumbered statement, or 0.
-inline ErrorCode ParseErrorOf(const char* statement) {
-  Program prog;
-  SetParseError(0);
-  prog.StartLine(statement);
-  auto line = prog.ParseLine();
-  SetParseError(0);
-  return line.empty() ? 0 : line.front()->ParseError();
-}
-
-inline std::string ListingOf(const char* statement) {
-  Program prog;
-  SetParseError(0);
-  prog.StartLine(statement);
-  auto line = prog.ParseLine();
-  SetParseError(0);
-  std::string out;
-  if (!line.empty()) line.front()->List(out);
-  return out;
 }
 
 }  // namespace print_test
