@@ -8,15 +8,21 @@
 #include "expr/string_exp.h"
 #include "lex/keywords.h"
 
+// Writes a call as its keyword as written, "(", the arguments, ")".
+template <typename Args>
+void ListCall(std::string& out, const char* name, Args listArgs) {
+  out += name;
+  out += '(';
+  listArgs(out);
+  out += ')';
+}
+
 // A built-in numeric function: lists as its keyword as written, "(", arguments, ")".
 class NumericLibFunc : public NumericExp {
  public:
   int Kind() const override { return static_cast<int>(key_->Code()); }
   void List(std::string& out) const override {
-    out += key_->Name();
-    out += '(';
-    ListArgs(out);
-    out += ')';
+    ListCall(out, key_->Name(), [this](std::string& o) { ListArgs(o); });
   }
 
  protected:
@@ -45,10 +51,7 @@ class StringLibFunc : public StringExp {
  public:
   int Kind() const override { return static_cast<int>(key_->Code()); }
   void List(std::string& out) const override {
-    out += key_->Name();
-    out += '(';
-    ListArgs(out);
-    out += ')';
+    ListCall(out, key_->Name(), [this](std::string& o) { ListArgs(o); });
   }
 
  protected:

@@ -32,6 +32,21 @@ std::vector<NumericCasePtr> ParseNumericCases(Program& p);
 std::vector<StringCasePtr> ParseStringCases(Program& p);
 
 template <typename Item>
+size_t ItemsSize(const std::vector<std::unique_ptr<Item>>& items) {
+  size_t size = 0;
+  for (const auto& item : items) size += item->Size();
+  return size;
+}
+
+// True when any item of the list matches the selector.
+template <typename Item, typename Value>
+bool AnyMatches(const std::vector<std::unique_ptr<Item>>& items, Value selector) {
+  for (const auto& item : items)
+    if (item->Matches(selector)) return true;
+  return false;
+}
+
+template <typename Item>
 void ListItems(std::string& out, const std::vector<std::unique_ptr<Item>>& items) {
   for (size_t i = 0; i < items.size(); ++i) {
     if (i) out += ',';

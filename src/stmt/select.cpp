@@ -43,11 +43,7 @@ class CaseStmt : public Statement {
 class CaseNumericStmt final : public CaseStmt {
  public:
   explicit CaseNumericStmt(std::vector<NumericCasePtr> items) : items_(std::move(items)) {}
-  size_t Size() const override {
-    size_t size = sizeof *this;
-    for (const auto& item : items_) size += item->Size();
-    return size;
-  }
+  size_t Size() const override { return sizeof *this + ItemsSize(items_); }
   void List(std::string& out) const override {
     out += "CASE ";
     ListItems(out, items_);
@@ -56,11 +52,7 @@ class CaseNumericStmt final : public CaseStmt {
     static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, kEnds, kEnds, 95, 95};
     return AnswerFrom(kRow, search, this);
   }
-  bool Accepts(float selector) override {
-    for (const auto& item : items_)
-      if (item->Matches(selector)) return true;
-    return false;
-  }
+  bool Accepts(float selector) override { return AnyMatches(items_, selector); }
   bool Accepts(std::string_view) override { return false; }
 
  private:
@@ -70,11 +62,7 @@ class CaseNumericStmt final : public CaseStmt {
 class CaseStringStmt final : public CaseStmt {
  public:
   explicit CaseStringStmt(std::vector<StringCasePtr> items) : items_(std::move(items)) {}
-  size_t Size() const override {
-    size_t size = sizeof *this;
-    for (const auto& item : items_) size += item->Size();
-    return size;
-  }
+  size_t Size() const override { return sizeof *this + ItemsSize(items_); }
   void List(std::string& out) const override {
     out += "CASE ";
     ListItems(out, items_);
@@ -84,11 +72,7 @@ class CaseStringStmt final : public CaseStmt {
     return AnswerFrom(kRow, search, this);
   }
   bool Accepts(float) override { return false; }
-  bool Accepts(std::string_view selector) override {
-    for (const auto& item : items_)
-      if (item->Matches(selector)) return true;
-    return false;
-  }
+  bool Accepts(std::string_view selector) override { return AnyMatches(items_, selector); }
 
  private:
   std::vector<StringCasePtr> items_;
