@@ -136,6 +136,18 @@ TEST_F(Loader, SaveReplacesTheFileOnlyWhenComplete) {
   EXPECT_NE(Out().find("Cannot open "), std::string::npos);
 }
 
+// A save that cannot be written leaves the file that was there as it was: here
+// the temporary name beside a 250-character target is too long to create.
+TEST_F(Loader, FailedSaveKeepsTheOldFile) {
+  auto prog = Load(Write("in.bas", "10 PRINT 1\n"));
+  std::string path = Write(std::string(250, 'k'), "10 REM precious\n");
+  EXPECT_NE(SaveProgram(*prog, path, true), 0);
+  std::ifstream in(path);
+  std::string kept((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(kept, "10 REM precious\n");
+  EXPECT_NE(Out().find("Cannot open "), std::string::npos);
+}
+
 TEST_F(Loader, RandomBytesLoadWithoutHarm) {
   std::mt19937 random(7);
   for (int round = 0; round < 20; ++round) {
