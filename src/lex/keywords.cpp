@@ -94,3 +94,10 @@ const char* KeywordName(TokenCode code) {
       if (entry->Code() == code) return entry->Name();
   return "";
 }
+
+std::vector<const BasicToken*> AllKeywords() {
+  std::vector<const BasicToken*> all;
+  for (const auto& bucket : Table().buckets)
+    for (const auto& entry : bucket) all.push_back(entry.get());
+  return all;
+}

@@ -2,6 +2,7 @@
 // functions and operator words, hashed by first letter.
 #pragma once
 #include <string_view>
+#include <vector>
 
 #include "lex/token.h"
 
@@ -38,3 +39,5 @@ bool SameName(std::string_view a, std::string_view b);
 const BasicToken* FindKeyword(std::string_view word);
 // The keyword entry of a code (the first row with it), or null; used for listing.
 const char* KeywordName(TokenCode code);
+// Every keyword entry, bucket by bucket (for the help tests).
+std::vector<const BasicToken*> AllKeywords();

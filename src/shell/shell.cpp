@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "console/console.h"
+#include "help/help_tree.h"
 #include "platform/break_flag.h"
 #include "shell/loader.h"
 #include "shell/program.h"
@@ -152,6 +153,9 @@ bool Shell::Dispatch(const char* line) {
       break;
     case kLabels:
       Labels();
+      break;
+    case kHelp:
+      ShowHelp(prog_->RawAfterCurrent(), con_);
       break;
     case kCls:
       con_.Cls();

@@ -1,0 +1,129 @@
+// Help texts of the general topics.
+#include "help/help_tree.h"
+
+namespace {
+
+constexpr const char* kIdentifiers[] = {
+    "<stmtIdentifier> ::= <stmtLabel>: | <stmtNumber>",
+    "     <stmtLabel> ::= <alphaNumIdent>",
+    "    <stmtNumber> ::= <1 to 999999>",
+    " <alphaNumIdent> ::= <letter><letterDigitUnderscoreString>",
+    "    <numericVar> ::= <alphaNumIdent> | <alphaNumIdent>(<subscripts>)",
+    "     <stringVar> ::= <alphaNumIdent>$ | <alphaNumIdent>$(<subscripts>)",
+    "        <fnName> ::= FN<letterDigitUnderscoreString>",
+    "Identifiers have case of first use.",
+    "Identifiers are not case sensitive.",
+    "Names are significant to 63 characters; keywords are reserved.",
+    "A label is referenced with or without its ':' (GOTO FIN).",
+};
+
+constexpr const char* kOperators[] = {
+    "Numeric operators from highest to lowest precedence",
+    "    ^ **             Power, from the left: 2^3^2 is 64",
+    "    - NOT            Negate, logical not (once): -2^2 is -4",
+    "    * / MOD DIV      Multiply, divide, remainder, divide down",
+    "    + -              Add, subtract",
+    "    MIN MAX          Smaller, larger: 3 MIN 5+1 is 3",
+    "    = <> # < <= > >= Relations: 1 when true, else 0",
+    "    AND              1 when both are not 0",
+    "    XOR EQV IMP      Exactly one, both or neither, implication",
+    "    OR               1 when either is not 0",
+    "AND, OR and IMP skip the right side when the left one decides.",
+    "Relations do not chain: A<B<C is refused. =< and => also work.",
+    "String operators: + joins strings; the relations compare them",
+    "byte by byte, a string before any longer one that begins with it.",
+    "Any value that is not 0 counts as true.",
+};
+
+constexpr HelpLine kFormats{"Formats are yet to be determined."};
+
+constexpr const char* kNumerics[] = {
+    "Numeric variables are always 32 bit floating point numbers.",
+    "Numeric variables referenced without being initialize cause an error.",
+    "Numeric arrays should use '( )' however '[ ]' are accepted and converted.",
+    "Numeric Constant examples: 4096, 10.3E34, 0x1F",
+};
+
+constexpr const char* kStrings[] = {
+    "String variables are always initialized to the null string.",
+    "String arrays must be subscripted using '(' and ')'",
+    "When a substring is specified it must always use '[' and ']'",
+    "    A$[s]   - Characters s to the end.",
+    "    A$[s,e] - Characters s through e.",
+    "    A$[s;n] - n characters from s.",
+    "Subscripts that have a length of zero represent the null string.",
+    "A substring that reads past the end is filled with blanks.",
+    "A$[s]=X keeps the character after X: \"ABCDE\" with A$[2]=\"Z\" is AZC.",
+    "String constants: \"text\"; '<code> adds any character: \"A\"'13'10\"B\"",
+    "+ joins strings. A string holds up to 134,217,727 characters.",
+    "DIM A$[n] records a length; longer values are still stored.",
+};
+
+constexpr const char* kConsole[] = {
+    "Output to the console supports modified ANSI escape sequences.",
+    "ESC is CHR$(27); n is a number of 1 to 4 digits.",
+    "ESC A, ESC B, ESC C, ESC D - Cursor up, down, right, left.",
+    "ESC [nA, ESC [nB, ESC [nC, ESC [nD - The same, n times.",
+    "ESC H, ESC [H, ESC [f - Cursor home.",
+    "ESC Fcccrrr - Cursor to column ccc, row rrr (3 digits each, from 0).",
+    "ESC [n;H - Cursor to row n, column n (from 0).",
+    "ESC E, ESC [2J - Clear screen, cursor home.",
+    "ESC J, ESC [J - Erase cursor to end-of-screen.",
+    "ESC K, ESC [K - Erase cursor to end-of-line.",
+    "ESC [1K - Erase start-of-line to cursor.",
+    "ESC [2K - Erase line.",
+    "ESC [n;...;nm - Attributes, applied in order:",
+    "     0 - Normal intensity, reverse off.",
+    "     1 - Bright.             22 - Normal intensity.",
+    "     7 - Reverse.            27 - Reverse off.",
+    "    30-37 - Foreground colour.  40-47 - Background colour:",
+    "        0 black, 1 red, 2 green, 3 yellow,",
+    "        4 blue, 5 magenta, 6 cyan, 7 white.",
+    "    80 - Cursor off.         81 - Cursor on.",
+    "    2, 4, 5, 8, 24, 25 - Ignored. Other numbers change nothing.",
+    "A sequence that is not understood prints as text.",
+    "Escape characters count in the PRINT column (TAB, zones).",
+    "Output to a pipe or file keeps the text only.",
+};
+
+constexpr const char* kGraphics[] = {
+    "Windows @1 to @39 are drawn off screen, green on white at first;",
+    "UPDATE shows the drawing. RUN closes every window.",
+};
+
+constexpr const char* kNotes[] = {
+    "Bad syntax lines are kept and preceeded with a '?'",
+    "Single-line and End-of-line comments with '!' or '//'",
+    "Blanks lines may be entered with a line containing a single semicolon.",
+    "Entering only a statement number will delete the line.",
+    "Non-executing statements have zero performance penalty.",
+    "Values are rounded when converted internally to integers.",
+    "Statement labels may optionally be followed by a statement.",
+    "Statement numbers are optional on externally edited programs.",
+    "When an unnumbered statement is loaded, a statement number will be added.",
+    "Programs that are numbered when loaded may be partially renumbered.",
+    "Maximum statement number is 999999",
+    "HP 2000 Basic is a subset of the Basic language implemented here.",
+    "File I/O statements are not complete and mostly do not function yet.",
+    "This application has not been completed and is available as-is.",
+    "Memory has been sacrificed for fast execution and short development time.",
+    "",
+    "Up and Down recall the lines typed before, in this and earlier sessions.",
+    "The manual page basic(1) describes the shell, the editor and the files.",
+};
+
+constexpr HelpText kIdentifiersText{kIdentifiers}, kOperatorsText{kOperators},
+    kNumericsText{kNumerics}, kStringsText{kStrings}, kConsoleText{kConsole},
+    kGraphicsText{kGraphics}, kNotesText{kNotes};
+
+constexpr HelpEntry kGeneralEntries[] = {
+    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormats},
+    {"Numerics", &kNumericsText},       {"Strings", &kStringsText},     {"Console", &kConsoleText},
+    {"Graphics", &kGraphicsText},       {"Notes", &kNotesText},
+};
+
+constexpr HelpGroup kGeneral{kGeneralEntries};
+
+}  // namespace
+
+const HelpGroup& HelpGeneral() { return kGeneral; }

@@ -1,0 +1,293 @@
+// Help texts of the statements. A line that begins with the statement's
+// keyword (or "[LET]") is a usage line: the help tests parse each one.
+#include "help/help_tree.h"
+
+namespace {
+
+// Names a statement that this interpreter keeps only as text.
+#define KEPT_AS_TEXT(kw) kw " - Not available: the line is kept with \"Feature not supported\"."
+
+constexpr const char* kAssign[] = {
+    "ASSIGN <fileName>,<fileNumber>,<returnVar>[,<mode>]",
+    "Opens a data file as file <fileNumber> (1 to 16);",
+    "<returnVar> receives the status of the open.",
+};
+constexpr HelpLine kAdvance{"ADVANCE #<fileNumber>;<count>,<returnVar> - Skip items in a file."};
+constexpr const char* kCase[] = {
+    "CASE <numericCase> [,<numericCaseList>]",
+    "CASE <stringCase> [,<stringCaseList> ]",
+    "CASE ELSE",
+    "<numericCase> ::= <numExp> | <relOp><numExp> | <numExp> TO <numExp>",
+    " <stringCase> ::= <strExp> | <relOp><strExp> | <strExp> TO <strExp>",
+    "      <relOp> ::= = | <> | < | <= | > | >=",
+    "Part of SELECT/CASE/ENDSELECT clause; TO includes both ends;",
+    "a CASE ELSE must come last.",
+};
+constexpr const char* kChain[] = {
+    "CHAIN [<returnVar>,]<fileName>[,<stmtIdentifier>]",
+    "Loads and runs another program, keeping the COM variables.",
+};
+constexpr const char* kClose[] = {
+    "CLOSE @<gdiNumber>",
+    "Closes a graphics window.",
+};
+constexpr const char* kColor[] = {
+    "COLOR @<gdiNumber>; <red>,<green>,<blue>",
+    "Sets the pen colour of a graphics window; each part 0 to 255.",
+};
+constexpr const char* kCom[] = {
+    "COM <dimSpec> [,<dimSpecList>]",
+    "Declares variables that CHAIN hands on; must be the first statement.",
+};
+constexpr const char* kConvert[] = {
+    "CONVERT <stringExp> TO <numericVar>[,<stmtIdentifier>]",
+    "CONVERT <numericExp> TO <stringVar>",
+    "Text that is no number goes to <stmtIdentifier>, else is an error.",
+};
+constexpr HelpLine kCreate{
+    "CREATE <returnVar>,<fileName>,<records>[,<recordSize>] - Create a file."};
+constexpr const char* kData[] = {
+    "DATA <dataSpec> [,<dataSpecList>]",
+    "<dataSpec> ::= <numericConstant> | <stringLiteral>",
+    "Constants for READ, read in program order.",
+};
+constexpr const char* kDef[] = {
+    "DEF <fnName>(<parameterList>)=<numericExp>",
+    "DEF <fnName>$(<parameterList>)=<stringExp>",
+    "<fnName> is FN and a name: FNA(X) calls it. () takes no parameters.",
+    "Parameters are simple names, local to the one-line body.",
+    "A function may not call itself, directly or through others.",
+};
+constexpr const char* kDim[] = {
+    "DIM <dimSpec> [,<dimSpecList>]",
+    "<dimSpec> ::= <strSpec> | <numArraySpec>",
+    "<numArraySpec>::= <arrayId>(<Dimensions>)",
+    "<strSpec> ::= <stringId>$[<stringLength] | <strArraySpec>",
+    "<strArraySpec>::= <stringId>$(<Dimensions>) [<stringLength>]",
+    "Dimensions are constants: DIM A(10),B$[20],C$(5)[8],D(3,4)",
+    "Subscripts run from 1. An array used without DIM has one",
+    "subscript and 10 elements.",
+};
+constexpr HelpLine kElse{"ELSE - Part of IF/ELSE/ENDIF clause."};
+constexpr const char* kEnd[] = {
+    "END - End program.",
+    "END IF - Same as ENDIF.",
+    "END WHILE - Same as ENDWHILE.",
+    "END SELECT - Same as ENDSELECT.",
+};
+constexpr HelpLine kEndIf{"ENDIF - End of IF/ELSE/ENDIF clause."};
+constexpr HelpLine kEndSelect{"ENDSELECT - End of SELECT/CASE/ENDSELECT clause."};
+constexpr HelpLine kEndWhile{"ENDWHILE - Ends WHILE loop, as NEXT does."};
+constexpr const char* kEnter[] = {
+    "ENTER <seconds>,<returnVar>,<variable>",
+    "ENTER #<numericVar>[,<seconds>,<returnVar>,<variable>]",
+    "Timed INPUT of one item, waiting 1 to 255 seconds. <returnVar>",
+    "gets the time taken, -256 when the time ran out, or minus the",
+    "time for an answer of the wrong type. # gets the port number.",
+};
+constexpr HelpLine kExtend{KEPT_AS_TEXT("EXTEND")};
+constexpr const char* kFiles[] = {
+    "FILES <fileName>[,<fileNameList>]",
+    "Names the data files 1 to 16 in order; * keeps a number for ASSIGN.",
+};
+constexpr const char* kFor[] = {
+    "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",
+    "NEXT <numericVar> ends the loop. Step, limit and start are taken",
+    "once; a loop whose start is past its limit is skipped.",
+};
+constexpr const char* kGosub[] = {
+    "GOSUB <stmtIdentifier>",
+    "GOSUB <numericExp> OF <stmtId>[,<stmtIdList>][ELSE <stmtId>]",
+    "RETURN continues after the GOSUB; GOSUBs nest up to 100 deep.",
+};
+constexpr const char* kGoto[] = {
+    "GOTO <stmtIdentifier>",
+    "GOTO <numericExp> OF <stmtId>[,<stmtIdList>][ELSE <stmtId>]",
+    "The value is rounded and picks a target; out of range goes to",
+    "the ELSE target, or on to the next statement.",
+};
+constexpr const char* kHide[] = {
+    "HIDE @<gdiNumber>",
+    "Hides a graphics window.",
+};
+constexpr const char* kIf[] = {
+    "IF <numericExp> THEN <stmtId>",
+    "IF <numericExp> THEN <simpleStmt>",
+    "IF <numericExp> THEN",
+    "The last form is part of IF/ELSE/ENDIF clause.",
+    "Blocks, DATA, DIM, DEF, IMAGE, COM and REM may not follow THEN.",
+    "Note: IF END is converted to ON END",
+};
+constexpr const char* kImage[] = {
+    "IMAGE <format> - Format for PRINT USING.",
+    "Items are separated by ',': <w>d or <w>.<p>d a number, <w>a a",
+    "string, <w>x blanks, \"text\" and '<code> literals, / a new line,",
+    "<n>(<items>) the items n times. - before the width left-justifies,",
+    "0 fills with zeros, s shows + on positive numbers; * as width or",
+    "precision means none. A first #, + or - ends the line without",
+    "a new line, with a carriage return, or with a line feed.",
+};
+constexpr const char* kInput[] = {
+    "INPUT [\"prompt\",]<variable>[,<variableList>]",
+    "Typed items are separated by ','; a prompt replaces the '?'.",
+    "An empty line ends INPUT and leaves the rest as they were.",
+};
+constexpr const char* kLet[] = {
+    "[LET] <assignment> [;<assignmentList>]",
+    "<assignment>    ::= <numericAssignt | <stringAssign>",
+    "<numericAssign> ::= <numericVar> [,<numericVarList>] = <numericExp>",
+    "                | <numericVar> [=<numericVarList>] = <numericExp>",
+    "<stringAssign>  ::= <stringVar>  [,<stringVarList>]  = <stringExp>",
+    "                | <stringVar>  [=<stringVarList>]  = <stringExp>",
+    "Every target gets the one value. A$[s]= assigns into a substring.",
+};
+constexpr const char* kLineTo[] = {
+    "LINETO @<gdiNumber>; <x>,<y>",
+    "Draws a line from the pen position to x,y, which becomes the pen",
+    "position. Nothing shows until UPDATE.",
+};
+constexpr HelpLine kLock{"LOCK #<fileNumber> - Accepted; files are not shared."};
+constexpr const char* kLinput[] = {
+    "LINPUT [\"prompt\",]<stringVar>",
+    "Reads a whole typed line, blanks, quotes and commas included.",
+};
+constexpr const char* kMat[] = {
+    "MAT <array> = ZER[(<dims>)] - Zeros; CON ones, IDN identity.",
+    "MAT <array> = <array> [<matOp> <array>] - <matOp> is +, - or *.",
+    "MAT <array> = (<numericExp>) * <array>",
+    "MAT <array> = TRN(<array>) - Transpose; INV(<array>) inverse.",
+    "MAT READ <array>[,<arrayList>]",
+    "MAT INPUT <array>[,<arrayList>]",
+    "MAT PRINT <array>[,<arrayList>] - ';' packs the elements.",
+    "String arrays: MAT A$ = B$, MAT A$ = ZER, READ, INPUT, PRINT.",
+    "New dimensions may not exceed the size the array was made with.",
+};
+constexpr const char* kMoveTo[] = {
+    "MOVETO @<gdiNumber>; <x>,<y>",
+    "Moves the pen of a graphics window to x,y without drawing.",
+};
+constexpr const char* kNext[] = {
+    "NEXT <numericVar> - Ends FOR loop.",
+    "NEXT - Ends WHILE loop",
+};
+constexpr const char* kOff[] = {
+    "OFF END - Cancels ON END.",
+    "OFF ERROR - Stops the run with \"Feature not supported\".",
+};
+constexpr const char* kOn[] = {
+    "ON <numericExp> GOTO <stmtIdent>[,<stmtIdentList>][ELSE <stmtIdent>]",
+    "ON <numericExp> GOSUB <stmtIdent>[,<stmtIdentList>][ELSE <stmtIdent>]",
+    "ON <numericExp> RESTORE <stmtIdent>[,<stmtIdentList>][ELSE <stmtIdent>]",
+    "ON END THEN <stmtIdentifier>",
+    "ON ERROR THEN <stmtIdentifier>",
+    "ON END #<fileNumber> THEN <stmtIdentifier>",
+    "As GOTO ... OF; RESTORE truncates the value instead of rounding.",
+    "With ON END, a READ past the last DATA or file item goes there.",
+    "With ON ERROR the run stops: \"Feature not supported\".",
+};
+constexpr HelpLine kOpen{KEPT_AS_TEXT("OPEN")};
+constexpr const char* kPrint[] = {
+    "PRINT [<printList>]",
+    "<printList> ::= <printItem>[,<printItemList>][; | ,]",
+    "<printItem> ::= <numericExp> | <stringExp> | TAB(n) | SPA(n) | LIN(n)",
+    "',' moves to the next 15-column zone, ';' joins items; a closing",
+    "',' or ';' keeps the line open. Lines fold at the WIDTH.",
+    "PRINT USING <stmtIdentifier>[;<usingList>]",
+    "PRINT USING <stringExp>[;<usingList>]",
+    "Prints the values through an IMAGE format (see IMAGE).",
+    "PRINT #<fileNumber>[,<record>];<printList> - Write to a data file.",
+};
+constexpr HelpLine kPurge{"PURGE <returnVar>,<fileName> - Delete a data file."};
+constexpr const char* kRead[] = {
+    "READ [<readList>]",
+    "<readList> ::= <variable>[,<variableList>]",
+    "Takes the next DATA constants. Past the last one: \"Out of data\",",
+    "or the ON END target.",
+    "READ #<fileNumber>[,<record>];<readList> - Read from a data file.",
+};
+constexpr const char* kRem[] = {
+    "REM <text> - Remark.",
+    "Single-line and End-of-line comments with '!' or '//'",
+};
+constexpr HelpLine kRepeat{"REPEAT - Begin REPEAT/UNTIL clause."};
+constexpr const char* kRestore[] = {
+    "RESTORE - READ starts again at the first DATA.",
+    "RESTORE <stmtIdentifier> - At the first DATA from that statement on.",
+    "RESTORE <numericExp> OF <stmtId>[,<stmtIdList>][ELSE <stmtId>]",
+};
+constexpr HelpLine kReturn{"RETURN - Return after GOSUB"};
+constexpr const char* kShow[] = {
+    "SHOW @<gdiNumber>",
+    "Shows a hidden graphics window.",
+};
+constexpr const char* kSleep[] = {
+    "SLEEP <timeExp> - Sleeps specified number of milliseconds.",
+    "Less than 1 is \"Argument out of range\".",
+};
+constexpr const char* kSelect[] = {
+    "SELECT <numericExp>",
+    "SELECT <stringExp>",
+    "Runs the first CASE whose items match, else CASE ELSE, then goes",
+    "on after ENDSELECT.",
+};
+constexpr HelpLine kSpawn{KEPT_AS_TEXT("SPAWN")};
+constexpr HelpLine kStop{"STOP - Stop program"};
+constexpr HelpLine kSystem{KEPT_AS_TEXT("SYSTEM")};
+constexpr HelpLine kUnlock{"UNLOCK #<fileNumber> - Accepted; files are not shared."};
+constexpr const char* kUntil[] = {
+    "UNTIL <numericExp> - End of REPEAT/UNTIL clause.",
+    "Goes back to the REPEAT while the value is 0.",
+};
+constexpr const char* kUpdate[] = {
+    "UPDATE @<gdiNumber>",
+    "Shows what was drawn in a graphics window.",
+    "UPDATE #<fileNumber>;<printList> - Rewrite items of a data file.",
+};
+constexpr const char* kWhile[] = {
+    "WHILE <numericExp> - Begin WHILE/NEXT clause.",
+    "The body runs while the value is not 0; NEXT or ENDWHILE ends it.",
+};
+constexpr const char* kWindow[] = {
+    "WINDOW @<gdiNumber>; <width>,<height>",
+    "Opens graphics window 1 to 39, width by height pixels.",
+};
+
+#undef KEPT_AS_TEXT
+
+constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, kCloseText{kClose},
+    kColorText{kColor}, kComText{kCom}, kConvertText{kConvert}, kDataText{kData}, kDefText{kDef},
+    kDimText{kDim}, kEndText{kEnd}, kEnterText{kEnter}, kFilesText{kFiles}, kForText{kFor},
+    kGosubText{kGosub}, kGotoText{kGoto}, kHideText{kHide}, kIfText{kIf}, kImageText{kImage},
+    kInputText{kInput}, kLetText{kLet}, kLineToText{kLineTo}, kLinputText{kLinput}, kMatText{kMat},
+    kMoveToText{kMoveTo}, kNextText{kNext}, kOffText{kOff}, kOnText{kOn}, kPrintText{kPrint},
+    kReadText{kRead}, kRemText{kRem}, kRestoreText{kRestore}, kShowText{kShow}, kSleepText{kSleep},
+    kSelectText{kSelect}, kUntilText{kUntil}, kUpdateText{kUpdate}, kWhileText{kWhile},
+    kWindowText{kWindow};
+
+constexpr HelpEntry kStatementEntries[] = {
+    {"ASSIGN", &kAssignText},   {"ADVANCE", &kAdvance},     {"CASE", &kCaseText},
+    {"CHAIN", &kChainText},     {"CLOSE", &kCloseText},     {"COLOR", &kColorText},
+    {"COM", &kComText},         {"CONVERT", &kConvertText}, {"CREATE", &kCreate},
+    {"DATA", &kDataText},       {"DEF", &kDefText},         {"DIM", &kDimText},
+    {"ELSE", &kElse},           {"END", &kEndText},         {"ENDIF", &kEndIf},
+    {"ENDSELECT", &kEndSelect}, {"ENDWHILE", &kEndWhile},   {"ENTER", &kEnterText},
+    {"EXTEND", &kExtend},       {"FILES", &kFilesText},     {"FOR", &kForText},
+    {"GOSUB", &kGosubText},     {"GOTO", &kGotoText},       {"HIDE", &kHideText},
+    {"IF", &kIfText},           {"IMAGE", &kImageText},     {"INPUT", &kInputText},
+    {"LET", &kLetText},         {"LINETO", &kLineToText},   {"LOCK", &kLock},
+    {"LINPUT", &kLinputText},   {"MAT", &kMatText},         {"MOVETO", &kMoveToText},
+    {"NEXT", &kNextText},       {"OFF", &kOffText},         {"ON", &kOnText},
+    {"OPEN", &kOpen},           {"PRINT", &kPrintText},     {"PURGE", &kPurge},
+    {"READ", &kReadText},       {"REM", &kRemText},         {"REPEAT", &kRepeat},
+    {"RESTORE", &kRestoreText}, {"RETURN", &kReturn},       {"SHOW", &kShowText},
+    {"SLEEP", &kSleepText},     {"SELECT", &kSelectText},   {"SPAWN", &kSpawn},
+    {"STOP", &kStop},           {"SYSTEM", &kSystem},       {"UNLOCK", &kUnlock},
+    {"UNTIL", &kUntilText},     {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},
+    {"WINDOW", &kWindowText},
+};
+
+constexpr HelpGroup kStatements{kStatementEntries};
+
+}  // namespace
+
+const HelpGroup& HelpStatements() { return kStatements; }
