@@ -84,6 +84,11 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
   std::string text, scan;
   while (file.GetLine(text)) {
     unsigned fileLine = file.LineCount();
+    // "#!" on the first line makes the file a script the system runs with basic.
+    if (fileLine == 1 && text.rfind("#!", 0) == 0) {
+      prog->interpreterLine = text;
+      continue;
+    }
     SetParseError(0);
     std::vector<StatementPtr> line;
     uint32_t number = 0;
@@ -145,6 +150,7 @@ int SaveProgram(const Program& prog, const std::string& path, bool numbers) {
     return error;
   }
   std::string text;
+  if (!prog.interpreterLine.empty()) text = prog.interpreterLine + '\n';
   int depth = 0;
   for (const Statement* s = prog.First(); s; s = s->Next()) {
     if (s->Hidden()) continue;

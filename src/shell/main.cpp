@@ -1,9 +1,33 @@
 // Entry point: the shell with no argument, a program run with one.
+#include <cstdio>
+#include <cstring>
+
 #include "console/console.h"
 #include "platform/break_handler.h"
 #include "shell/shell.h"
 
+namespace {
+
+constexpr const char* kUsage =
+    "Usage: basic [<program file>]\n"
+    "Without a file, basic starts its interactive shell: type HELP there.\n"
+    "With one, it loads, links and runs the program, then exits.\n"
+    "  -h, --help    show this text\n"
+    "  --version     show the version\n"
+    "See basic(1) for the shell commands, the line editor and the files.\n";
+
+}  // namespace
+
 int main(int argc, char** argv) {
+  // Answered before the console takes the terminal.
+  if (argc == 2 && (!std::strcmp(argv[1], "-h") || !std::strcmp(argv[1], "--help"))) {
+    std::fputs(kUsage, stdout);
+    return 0;
+  }
+  if (argc == 2 && !std::strcmp(argv[1], "--version")) {
+    std::printf("%s\n", kProductName);
+    return 0;
+  }
   InstallConsole(MakeProcessConsole());
   InstallBreakHandler();
   int status;

@@ -94,6 +94,8 @@ class Program final : public Tokenizer {
   ~Program();
 
   const std::string& Name() const { return name_; }
+  // A "#!" first line of the program file: not a statement, but written back by SAVE.
+  std::string interpreterLine;
 
   // --- Statement list, always ending in the hidden end mark.
   Statement* First() const { return statements_.First(); }

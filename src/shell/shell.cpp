@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr const char* kProduct = "Velo Basic V0.94.0.154";
-
 enum Command : unsigned {
   kList = 0x101,
   kNew = 0x102,
@@ -446,13 +444,13 @@ void Shell::Width() {
 }  // namespace
 
 void PrintBanner() {
-  TheConsole().Printf("\n%s %s\n%s\n", kProduct, "for POSIX terminals",
+  TheConsole().Printf("\n%s %s\n%s\n", kProductName, "for POSIX terminals",
                       "Structured HP 2000 BASIC with graphics windows");
 }
 
 int RunShell() {
   Console& con = TheConsole();
-  con.SetTitle(kProduct);
+  con.SetTitle(kProductName);
   PrintBanner();
   con.Write("\nHELP is available\n\n");
   con.Write("READY\n\n");

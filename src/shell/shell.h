@@ -1,6 +1,9 @@
 // The interactive shell and the command-line run.
 #pragma once
 
+// The product name and version, as the banner and --version show it.
+inline constexpr char kProductName[] = "Velo Basic V0.94.0.154";
+
 // Reads and carries out lines until BYE; returns the process status.
 int RunShell();
 // Loads, links and runs one program file; returns the process status.

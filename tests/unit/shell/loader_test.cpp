@@ -136,6 +136,22 @@ TEST_F(Loader, SaveReplacesTheFileOnlyWhenComplete) {
   EXPECT_NE(Out().find("Cannot open "), std::string::npos);
 }
 
+// A script's "#!" first line is no statement, keeps the file's line numbers, and
+// survives a SAVE; anywhere else "#!" is a bad line.
+TEST_F(Loader, InterpreterLineIsSkippedAndSavedBack) {
+  auto prog = Load(Write("s.bas", "#!/usr/bin/env basic\nPRINT 1\nSTOP X\n#!x\n"));
+  EXPECT_EQ(Out(),
+            "Characters after statement end in file line 3\n"
+            "Invalid Basic Stmt in file line 4\n");
+  EXPECT_EQ(prog->interpreterLine, "#!/usr/bin/env basic");
+  EXPECT_EQ(prog->BadLines(), 2);
+  std::string path = (dir_ / "out.bas").string();
+  ASSERT_EQ(SaveProgram(*prog, path, false), 0);
+  std::ifstream in(path);
+  std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(saved, "#!/usr/bin/env basic\n\tPRINT 1\n\t?STOP X\n\t?#!x\n");
+}
+
 // A save that cannot be written leaves the file that was there as it was: here
 // the temporary name beside a 250-character target is too long to create.
 TEST_F(Loader, FailedSaveKeepsTheOldFile) {

@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# The command line as a user meets it: help and version, the usage error, and a
+# program file run directly through its "#!" line.
+# Usage: command_line.sh path/to/basic    Exit status 0 when every check passed.
+set -u
+basic=$(realpath "$1")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+
+expect() {  # name expected-status expected-output command...
+  local name=$1 status=$2 expected=$3
+  shift 3
+  local out rc
+  out=$("$@" 2>&1 </dev/null)
+  rc=$?
+  if [ "$rc" != "$status" ] || [ "$out" != "$expected" ]; then
+    echo "--- FAIL: $name (status $rc, expected $status)"
+    diff <(printf '%s\n' "$expected") <(printf '%s\n' "$out") | head -n 20
+    failures=$((failures + 1))
+  fi
+}
+
+usage="Usage: basic [<program file>]
+Without a file, basic starts its interactive shell: type HELP there.
+With one, it loads, links and runs the program, then exits.
+  -h, --help    show this text
+  --version     show the version
+See basic(1) for the shell commands, the line editor and the files."
+expect "-h" 0 "$usage" "$basic" -h
+expect "--help" 0 "$usage" "$basic" --help
+expect "--version" 0 "Velo Basic V0.94.0.154" "$basic" --version
+expect "two arguments" 255 "
+Velo Basic V0.94.0.154 for POSIX terminals
+Structured HP 2000 BASIC with graphics windows
+
+Usage: Basic [<Src>]" "$basic" a b
+expect "unknown option is a file name" 255 "
+Velo Basic V0.94.0.154 for POSIX terminals
+Structured HP 2000 BASIC with graphics windows
+
+Unable to open -x." "$basic" -x
+
+# A script made executable runs through /usr/bin/env; its line numbers are the file's.
+mkdir "$work/bin"
+ln -s "$basic" "$work/bin/basic"
+printf '#!/usr/bin/env basic\nPRINT "hello from a script"\nX = Y\n' >"$work/hello.bas"
+chmod +x "$work/hello.bas"
+expect "#! script" 0 'hello from a script
+
+ERROR Undefined value accessed in file line 3 in file "'"$work"'/hello.bas"' \
+  env PATH="$work/bin:$PATH" "$work/hello.bas"
+
+if [ "$failures" -eq 0 ]; then
+  echo "command line: all checks passed"
+  exit 0
+fi
+echo "command line: $failures check(s) failed"
+exit 1

@@ -1,0 +1,4 @@
+#!/usr/bin/env basic
+PRINT "a script"
+
+X = Y
