@@ -152,6 +152,19 @@ TEST_F(Loader, InterpreterLineIsSkippedAndSavedBack) {
   EXPECT_EQ(saved, "#!/usr/bin/env basic\n\tPRINT 1\n\t?STOP X\n\t?#!x\n");
 }
 
+// Numbers that renumbering would not give back survive a plain SAVE and GET.
+TEST_F(Loader, PlainSaveKeepsTheStatementNumbers) {
+  auto prog = Load(Write("in.bas", "100 PRINT 1\n250 IF 1 THEN\n1000 ENDIF\n"));
+  std::string path = (dir_ / "numbered.bas").string();
+  ASSERT_EQ(SaveProgram(*prog, path, true), 0);
+  std::ifstream in(path);
+  std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(saved, "  100 PRINT 1\n  250 IF 1 THEN\n 1000 ENDIF\n");
+  auto back = Load(path);
+  EXPECT_FALSE(back->NumberUnnumbered());
+  EXPECT_EQ(Listing(*back), "  100   PRINT 1\n  250   IF 1 THEN\n 1000   ENDIF\n");
+}
+
 // A save that cannot be written leaves the file that was there as it was: here
 // the temporary name beside a 250-character target is too long to create.
 TEST_F(Loader, FailedSaveKeepsTheOldFile) {
