@@ -1,12 +1,12 @@
 #include <chrono>
 #include <cstring>
 
+#include "base/errors.h"
 #include "console/console.h"
 #include "console/console_backend.h"
 #include "console/key_source.h"
 #include "console/line_editor.h"
 #include "platform/break_flag.h"
-#include "shell/errors.h"
 
 void LineEditor::Start(char* line) {
   line_ = line;
@@ -160,7 +160,7 @@ int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
   int result;
   for (;;) {
     if (TestAndClearBreak()) {
-      SetRunError(kBreak);
+      SetRunError(err::kBreak);
       result = kBreakRead;
       break;
     }

@@ -33,7 +33,7 @@ NumericExpPtr ParseNumericFunction(Program& p) {
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
   if (tok::Category(code) != tok::kNumFunc || !key) return Fail<NumericExpPtr>(p, mark, 0);
-  if (!p.Accept(tok::kLParen)) return Fail<NumericExpPtr>(p, mark, 28);
+  if (!p.Accept(tok::kLParen)) return Fail<NumericExpPtr>(p, mark, err::kMissingLParen);
 
   NumericExpPtr node;
   switch (code) {
@@ -51,7 +51,7 @@ NumericExpPtr ParseNumericFunction(Program& p) {
     case tok::kFnPos: {
       StringExpPtr text = ParseStringExp(p);
       if (!text) return Fail<NumericExpPtr>(p, mark, 0);
-      if (!p.Accept(tok::kComma)) return Fail<NumericExpPtr>(p, mark, 40);
+      if (!p.Accept(tok::kComma)) return Fail<NumericExpPtr>(p, mark, err::kMissingDelimiter);
       StringExpPtr pattern = ParseStringExp(p);
       if (!pattern) return Fail<NumericExpPtr>(p, mark, 0);
       node = MakeStringArgFunction(key, std::move(text), std::move(pattern));
@@ -59,17 +59,17 @@ NumericExpPtr ParseNumericFunction(Program& p) {
     }
     case tok::kFnRec:
     case tok::kFnItm:
-      return Fail<NumericExpPtr>(p, mark, 35);
+      return Fail<NumericExpPtr>(p, mark, err::kBadNumericExp);
     default: {
       NumericExpPtr arg = ParseNumericExp(p);
       if (!arg) return Fail<NumericExpPtr>(p, mark, 0);
       node = IsSystemFunction(code) ? MakeSystemFunction(key, std::move(arg), p)
                                     : MakeMathFunction(key, std::move(arg));
-      if (!node) return Fail<NumericExpPtr>(p, mark, 35);
+      if (!node) return Fail<NumericExpPtr>(p, mark, err::kBadNumericExp);
       break;
     }
   }
-  if (!p.Accept(tok::kRParen)) return Fail<NumericExpPtr>(p, mark, 29);
+  if (!p.Accept(tok::kRParen)) return Fail<NumericExpPtr>(p, mark, err::kMissingRParen);
   SetParseError(0);
   return node;
 }
@@ -79,7 +79,7 @@ StringExpPtr ParseStringFunction(Program& p) {
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
   if (tok::Category(code) != tok::kStrFunc || !key) return Fail<StringExpPtr>(p, mark, 0);
-  if (!p.Accept(tok::kLParen)) return Fail<StringExpPtr>(p, mark, 28);
+  if (!p.Accept(tok::kLParen)) return Fail<StringExpPtr>(p, mark, err::kMissingLParen);
 
   StringExpPtr text;
   NumericExpPtr number, count;
@@ -95,15 +95,15 @@ StringExpPtr ParseStringFunction(Program& p) {
     case tok::kFnRight:
     case tok::kFnMid:
       if (!(text = ParseStringExp(p))) return Fail<StringExpPtr>(p, mark, 0);
-      if (!p.Accept(tok::kComma)) return Fail<StringExpPtr>(p, mark, 40);
+      if (!p.Accept(tok::kComma)) return Fail<StringExpPtr>(p, mark, err::kMissingDelimiter);
       if (!(number = ParseNumericExp(p))) return Fail<StringExpPtr>(p, mark, 0);
       if (code == tok::kFnMid && p.Accept(tok::kComma) && !(count = ParseNumericExp(p)))
         return Fail<StringExpPtr>(p, mark, 0);
       break;
     default:
-      return Fail<StringExpPtr>(p, mark, 36);
+      return Fail<StringExpPtr>(p, mark, err::kBadStringExp);
   }
-  if (!p.Accept(tok::kRParen)) return Fail<StringExpPtr>(p, mark, 29);
+  if (!p.Accept(tok::kRParen)) return Fail<StringExpPtr>(p, mark, err::kMissingRParen);
   SetParseError(0);
   return MakeStringFunction(key, std::move(text), std::move(number), std::move(count));
 }

@@ -471,7 +471,7 @@ NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
       left = Fold<GeOp>(std::move(left), std::move(right));
       break;
     default:
-      SetParseError(48);
+      SetParseError(err::kBadOperator);
       p.Restore(mark);
       return nullptr;
   }
@@ -592,7 +592,7 @@ NumericExpPtr ParseNumericPrimary(Program& p) {
     return nullptr;
   }
   if (!p.Accept(tok::kRParen)) {
-    SetParseError(29);
+    SetParseError(err::kMissingRParen);
     p.Restore(mark);
     return nullptr;
   }
@@ -611,7 +611,7 @@ NumericExpPtr ParseNumericSum(Program& p) {
 
 NumericExpPtr ParseNumericExp(Program& p) {
   if (g_nesting > kMaxNesting) {
-    SetParseError(35);
+    SetParseError(err::kBadNumericExp);
     return nullptr;
   }
   ++g_nesting;

@@ -66,7 +66,7 @@ class StringConcat final : public StringExp {
     }
     std::string_view right = right_->Evaluate(temp_);
     if (uint64_t{work.Length()} + right.size() > kMaxLength) {
-      SetRunError(1018);
+      SetRunError(err::kStringOverflow);
       return work.View();
     }
     work.Append(right);

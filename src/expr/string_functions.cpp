@@ -5,8 +5,8 @@
 #include <cstring>
 #include <functional>
 
+#include "base/errors.h"
 #include "expr/function_nodes.h"
-#include "shell/errors.h"
 
 std::string_view HoldIn(StringValue& work, std::string_view text) {
   const char* begin = work.Data();
@@ -204,7 +204,7 @@ class MidFunc final : public StringPart {
     uint32_t count = count_ ? static_cast<uint32_t>(TruncInt(count_->Evaluate())) : UINT32_MAX;
     std::string_view text = text_->Evaluate(work);
     if (start == 0) {
-      SetRunError(1009);
+      SetRunError(err::kSubstringOutOfBounds);
       return {};
     }
     if (start > text.size()) return {};

@@ -86,7 +86,7 @@ class TimFunc final : public NumericArgFunc {
         break;
       }
       default:
-        SetRunError(1014);
+        SetRunError(err::kArgOutOfRange);
         return 0.0f;
     }
     return static_cast<float>(value);
@@ -101,7 +101,7 @@ class VerFunc final : public NumericArgFunc {
     static constexpr float kParts[] = {94154.0f, 0.0f, 94.0f, 154.0f};
     int n = Selector(arg_->Evaluate());
     if (n < 0 || n > 3) {
-      SetRunError(1014);
+      SetRunError(err::kArgOutOfRange);
       return 0.0f;
     }
     return kParts[n];
@@ -116,7 +116,7 @@ class TypFunc final : public NumericArgFunc {
   float Evaluate() override {
     static constexpr float kNumber = 1, kString = 2, kNone = 3;
     if (Selector(arg_->Evaluate()) != 0) {
-      SetRunError(kNotSupported);  // the file forms
+      SetRunError(err::kNotSupported);  // the file forms
       return kNone;
     }
     const DataItem* item = prog_.data.item;

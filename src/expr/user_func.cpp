@@ -60,16 +60,16 @@ bool StartsWithFn(std::string_view name) {
 }
 
 bool ParseParameters(Program& p, ParameterSpec* out) {
-  if (!p.Accept(tok::kLParen)) return SetParseError(28), false;
+  if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
   if (p.Accept(tok::kRParen)) return true;
   for (;;) {
     TokenCode category = tok::Category(p.GetToken());
     if ((category != tok::kNumVar && category != tok::kStrVar) || !p.Symbol())
-      return SetParseError(46), false;
+      return SetParseError(err::kBadParam), false;
     if (!out->Add(static_cast<const VarToken*>(p.Symbol()), category == tok::kStrVar))
-      return SetParseError(45), false;
+      return SetParseError(err::kDuplicateParam), false;
     if (p.Accept(tok::kRParen)) return true;
-    if (!p.Accept(tok::kComma)) return SetParseError(47), false;
+    if (!p.Accept(tok::kComma)) return SetParseError(err::kBadParamList), false;
   }
 }
 
@@ -97,7 +97,8 @@ std::unique_ptr<FuncSpec> ParseFuncSpec(Program& p) {
   if ((category != tok::kNumUserFn && category != tok::kStrUserFn) || !symbol) {
     // "FNA" without brackets scans as a plain variable: its parameter list is missing.
     bool plain = (category == tok::kNumVar || category == tok::kStrVar) && symbol;
-    SetParseError(plain && StartsWithFn(symbol->Name()) ? 43 : 42);
+    SetParseError(plain && StartsWithFn(symbol->Name()) ? err::kMissingParamDef
+                                                        : err::kBadFunctionName);
     p.Restore(mark);
     return nullptr;
   }
@@ -106,11 +107,13 @@ std::unique_ptr<FuncSpec> ParseFuncSpec(Program& p) {
   std::unique_ptr<FuncSpec> spec;
   if (!ParseParameters(p, &params)) {
   } else if (!p.Accept(tok::kEQ)) {
-    SetParseError(27);
+    SetParseError(err::kMissingAssignOp);
   } else if (category == tok::kNumUserFn) {
-    spec = ParseBody<FuncNumericSpec>(p, name, std::move(params), ParseNumericExp, 35);
+    spec = ParseBody<FuncNumericSpec>(p, name, std::move(params), ParseNumericExp,
+                                      err::kBadNumericExp);
   } else {
-    spec = ParseBody<FuncStringSpec>(p, name, std::move(params), ParseStringExp, 36);
+    spec =
+        ParseBody<FuncStringSpec>(p, name, std::move(params), ParseStringExp, err::kBadStringExp);
   }
   if (!spec) p.Restore(mark);
   return spec;
@@ -128,20 +131,20 @@ struct Argument {
 
 // "(arg,...)": each argument a numeric expression, else a string expression.
 bool ParseArguments(Program& p, std::vector<Argument>* out) {
-  if (!p.Accept(tok::kLParen)) return SetParseError(28), false;
+  if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
   if (p.Accept(tok::kRParen)) return true;
   do {
     Argument arg;
     if (!(arg.number = ParseNumericExp(p))) {
       ErrorCode numericError = g_err.parse;
       if (!(arg.text = ParseStringExp(p))) {
-        if (!g_err.parse) SetParseError(numericError ? numericError : 46);
+        if (!g_err.parse) SetParseError(numericError ? numericError : err::kBadParam);
         return false;
       }
     }
     out->push_back(std::move(arg));
   } while (p.Accept(tok::kComma));
-  if (!p.Accept(tok::kRParen)) return SetParseError(29), false;
+  if (!p.Accept(tok::kRParen)) return SetParseError(err::kMissingRParen), false;
   SetParseError(0);
   return true;
 }
@@ -180,8 +183,8 @@ class UserCall final {
     active_ = 0;  // a run that ended in 1010 left it raised
     auto found = std::find_if(prog.functions.begin(), prog.functions.end(),
                               [this](const FuncSpec* f) { return f->Name() == name_; });
-    if (found == prog.functions.end()) return 64;
-    if (!Compatible((*found)->Params())) return 66;
+    if (found == prog.functions.end()) return err::kUndefinedFunction;
+    if (!Compatible((*found)->Params())) return err::kIncompatibleArgs;
     spec_ = *found;
     // Every call site is active at most once, so the frames of all sites bound
     // bound the stack depth: growing here means a call never allocates.
@@ -194,7 +197,7 @@ class UserCall final {
   // frame; false (with 1010 raised) when this call site is already active.
   bool Enter(Saved* saved) {
     if (++active_ >= 2) {
-      SetRunError(1010);  // left raised: the error ends the run
+      SetRunError(err::kRecursion);  // left raised: the error ends the run
       return false;
     }
     *saved = {prog_.numTop, prog_.strTop, prog_.numBase, prog_.strBase};

@@ -230,16 +230,16 @@ class PrintEndCommaSpec final : public PrintSpecList {
 // TAB, SPA or LIN with its parenthesised argument (the name consumed).
 PrintSpecPtr ParsePrintFunction(Program& p, TokenCode code) {
   if (!p.Accept(tok::kLParen)) {
-    SetParseError(28);
+    SetParseError(err::kMissingLParen);
     return nullptr;
   }
   NumericExpPtr arg = ParseNumericExp(p);
   if (!arg) {
-    if (!g_err.parse) SetParseError(35);
+    if (!g_err.parse) SetParseError(err::kBadNumericExp);
     return nullptr;
   }
   if (!p.Accept(tok::kRParen)) {
-    SetParseError(29);
+    SetParseError(err::kMissingRParen);
     return nullptr;
   }
   switch (code) {
@@ -289,7 +289,7 @@ bool ParsePrintList(Program& p, PrintSpecPtr* items, PrintSpecPtr* end) {
   size_t start = p.Mark();
   PrintSpecPtr first = ParsePrintItem(p);
   if (!first) {
-    if (!g_err.parse) SetParseError(37);
+    if (!g_err.parse) SetParseError(err::kBadExpression);
     p.Restore(start);
     return false;
   }

@@ -46,7 +46,7 @@ constexpr KeywordRow kOperators[] = {
 };
 
 struct KeywordTable {
-  std::vector<std::unique_ptr<BasicToken>> buckets[27];
+  std::vector<std::unique_ptr<BasicToken>> buckets[kOtherBucket + 1];
 
   KeywordTable() {
     for (const auto& row : kStatements) Add(row);
@@ -69,10 +69,10 @@ char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c
 }  // namespace
 
 int BucketOf(std::string_view name) {
-  if (name.empty()) return 26;
+  if (name.empty()) return kOtherBucket;
   char c = name[0];
   if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  return c >= 'A' && c <= 'Z' ? c - 'A' : 26;
+  return c >= 'A' && c <= 'Z' ? c - 'A' : kOtherBucket;
 }
 
 bool SameName(std::string_view a, std::string_view b) {

@@ -30,7 +30,8 @@ class BasicToken final : public KeyToken {
   const KeywordRow& row_;
 };
 
-// Bucket of a name: 0-25 for A-Z by its first character, 26 for anything else.
+// Bucket of a name: 0-25 for A-Z by its first character, kOtherBucket for anything else.
+constexpr int kOtherBucket = 26;
 int BucketOf(std::string_view name);
 // Case-insensitive whole-name comparison.
 bool SameName(std::string_view a, std::string_view b);

@@ -40,5 +40,5 @@ class SymbolTable {
  private:
   TokenCode base_;  // first code handed out
   TokenCode next_;  // code of the next new entry; codes are never reused
-  std::vector<std::unique_ptr<VarToken>> buckets_[27];
+  std::vector<std::unique_ptr<VarToken>> buckets_[kOtherBucket + 1];
 };

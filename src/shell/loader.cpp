@@ -103,8 +103,8 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
         number = static_cast<uint32_t>(std::strtoul(std::string(digits).c_str(), nullptr, 10));
       if (number < 1 || number > 999999) {
         number = 0;
-        SetParseError(kBadStmtNumber);
-        line.push_back(std::make_unique<InvalidStmt>(RestFrom(text, 0), kBadStmtNumber));
+        SetParseError(err::kBadStmtNumber);
+        line.push_back(std::make_unique<InvalidStmt>(RestFrom(text, 0), err::kBadStmtNumber));
       } else {
         afterNumber = prog->Current().rawEnd;
       }
@@ -115,17 +115,18 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
       if (number > last) {
         last = number;
       } else if (number != 0) {
-        con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(kOutOfOrder),
+        con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(err::kOutOfOrder),
                    fileLine);
-        SetParseError(kOutOfOrder);
+        SetParseError(err::kOutOfOrder);
         break;
       }
       if (tooLong) {
-        SetParseError(kLineTooLong);
-        line.push_back(std::make_unique<InvalidStmt>(RestFrom(text, afterNumber), kLineTooLong));
+        SetParseError(err::kLineTooLong);
+        line.push_back(
+            std::make_unique<InvalidStmt>(RestFrom(text, afterNumber), err::kLineTooLong));
       } else {
         line = prog->ParseLine();
-        if (g_err.parse == kEndOfLine) line.push_back(std::make_unique<BlankLineStmt>());
+        if (g_err.parse == err::kEndOfLine) line.push_back(std::make_unique<BlankLineStmt>());
       }
     }
     if (number)
@@ -133,11 +134,11 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
     else
       line.front()->SetFileLine(fileLine);
     prog->Append(std::move(line));
-    if (report && g_err.parse > kEndOfLine)
+    if (report && g_err.parse > err::kEndOfLine)
       con.Printf("%s in file line %u\n", MessageOf(g_err.parse), fileLine);
   }
   prog->StartLine("");  // the line buffer goes away with this frame
-  if (g_err.parse != kOutOfOrder) SetParseError(0);
+  if (g_err.parse != err::kOutOfOrder) SetParseError(0);
   return prog;
 }
 

@@ -112,7 +112,7 @@ std::vector<StatementPtr> Program::ParseLine() {
   size_t start = Mark();
   TokenCode code = GetToken();
   if (code == tok::kEndOfLine) {
-    SetParseError(kEndOfLine);
+    SetParseError(err::kEndOfLine);
     return line;
   }
   if (code == tok::kSemicolon && GetToken() == tok::kEndOfLine) {
@@ -144,14 +144,14 @@ std::vector<StatementPtr> Program::ParseLine() {
       line.push_back(std::move(stmt));
     }
     if (code != tok::kEndOfLine) {
-      SetParseError(14);
+      SetParseError(err::kTrailingChars);
       failed = true;
     }
   }
   if (failed) {
     line.clear();
     stmt.reset();
-    ErrorCode error = g_err.parse > kEndOfLine ? g_err.parse : 11;
+    ErrorCode error = g_err.parse > err::kEndOfLine ? g_err.parse : err::kBadLine;
     SetParseError(error);
     line.push_back(std::make_unique<InvalidStmt>(raw, error));
     return line;
@@ -246,6 +246,20 @@ TargetRef ParseTarget(Program& p) {
   }
   p.Restore(mark);
   return TargetRef();
+}
+
+TargetRef ParseThenTarget(Program& p) {
+  size_t mark = p.Mark();
+  if (!p.Accept(tok::kThen)) {
+    SetParseError(err::kMissingDelimiter);
+    return TargetRef();
+  }
+  TargetRef target = ParseTarget(p);
+  if (!target) {
+    SetParseError(err::kBadStmtNumber);
+    p.Restore(mark);
+  }
+  return target;
 }
 
 namespace {

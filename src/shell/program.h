@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/base_list.h"
 #include "lex/tokenizer.h"
-#include "shell/base_list.h"
 #include "stmt/statement.h"
 #include "value/variables.h"
 
@@ -62,6 +62,9 @@ class TargetRef final {
 // A statement identifier: a number (1 to 999999) or a label, with or without
 // its colon. An empty ref (position restored, no error) when there is none.
 TargetRef ParseTarget(Program& prog);
+// "THEN <stmtId>", as ON END and ON ERROR end: an empty ref with the parse
+// error set (position restored) when THEN or the identifier is missing.
+TargetRef ParseThenTarget(Program& prog);
 
 // One constant of a DATA statement.
 struct DataItem {

@@ -38,7 +38,8 @@ ErrorCode Link(Program& prog) {
       if (target && !target->resolved) target->resolved = s;
     }
     if (const char* label = s->Label()) {
-      if (!labels.insert(LowerName(label)).second) return Raise(kDuplicateLabel, s->Location());
+      if (!labels.insert(LowerName(label)).second)
+        return Raise(err::kDuplicateLabel, s->Location());
       if (TargetLabel* target = prog.FindTarget(std::string_view(label))) target->resolved = s;
     }
   }
@@ -53,7 +54,7 @@ ErrorCode Link(Program& prog) {
     if (ErrorCode code = s->Resolve(prog)) return FailAt(code, s);
 
   for (const auto& target : prog.Targets())
-    if (target->users && !target->resolved) return SetRunError(63);
+    if (target->users && !target->resolved) return SetRunError(err::kUnresolvedTarget);
 
   for (Statement* s = prog.First(); s; s = s->Next())
     if (ErrorCode code = s->Check(prog)) return FailAt(code, s);
@@ -83,21 +84,39 @@ ErrorCode Run(Program& prog, bool keepsProgram) {
       }
       TestAndClearBreak();
       SetErrorFile(fileName);
-      Raise(kBreak, s->Location());
+      Raise(err::kBreak, s->Location());
       break;
     }
     prog.frame.failLocation = s->Location();
     SetErrorFile(fileName);
-    if (g_err.run != kStop && !HasLocation()) g_err.location = prog.frame.failLocation;
+    if (g_err.run != err::kStop && !HasLocation()) g_err.location = prog.frame.failLocation;
     break;
   }
   prog.current = s;
   TheConsole().RestoreDefaults();
-  if (g_err.run == kStop || g_err.run == kEnd) {
+  if (g_err.run == err::kStop || g_err.run == err::kEnd) {
     SetParseError(0);
     ClearError();
     SetErrorFile(nullptr);
     return 0;
   }
   return g_err.run;
+}
+
+void ReportRunError(bool statementWording) {
+  Console& con = TheConsole();
+  const char* message = MessageOf(g_err.run);
+  con.Write("\n");
+  if (g_err.run != err::kBreak) con.Write("ERROR ");
+  if (g_err.location & loc::kStmtNumber)
+    con.Printf("%s in %s %u", message, statementWording ? "statement number" : "line",
+               loc::Number(g_err.location));
+  else if (g_err.location & loc::kFileLine)
+    con.Printf("%s in file line %u", message, loc::Number(g_err.location));
+  else
+    con.Printf("%s", message);
+  if (!g_err.file.empty())
+    con.Printf(" in file \"%s\"\n", g_err.file.c_str());
+  else
+    con.Write("\n");
 }

@@ -1,6 +1,6 @@
 // Linking a program and running it.
 #pragma once
-#include "shell/errors.h"
+#include "base/errors.h"
 
 class Program;
 
@@ -11,3 +11,7 @@ ErrorCode Link(Program& prog);
 // mark, else the error that ended it. keepsProgram is false for programs run
 // from a file, whose errors then name the file.
 ErrorCode Run(Program& prog, bool keepsProgram);
+
+// Prints the current run-time error as one line; statementWording selects
+// "statement number" (command-line runs) over "line" (the shell's RUN).
+void ReportRunError(bool statementWording);

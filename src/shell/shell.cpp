@@ -177,7 +177,7 @@ void Shell::ProgramLine() {
   }
   SetParseError(0);
   std::vector<StatementPtr> line = prog_->ParseLine();
-  if (g_err.parse == kEndOfLine) {
+  if (g_err.parse == err::kEndOfLine) {
     if (Statement* s = prog_->Find(static_cast<uint32_t>(number))) prog_->Delete(s);
     SetParseError(0);
     return;
@@ -259,7 +259,7 @@ void Shell::ImmediatePrint() {
   StatementPtr stmt = ParsePrint(*prog_);
   if (stmt && prog_->GetToken() != tok::kEndOfLine) {
     stmt.reset();
-    SetParseError(14);
+    SetParseError(err::kTrailingChars);
   }
   if (stmt) {
     for (Reference* r = lastRef ? lastRef->Next() : prog_->References().First(); r; r = r->Next())
@@ -307,7 +307,7 @@ void Shell::Get(const char* line) {
   }
   prog_.reset();
   NewProgram(LoadProgram(file, name, true));
-  if (g_err.parse != 0 && g_err.parse != kEndOfFile)
+  if (g_err.parse != 0 && g_err.parse != err::kEndOfFile)
     con_.Printf("%s (%u)\n", MessageOf(g_err.parse), g_err.parse);
   prog_->NumberUnnumbered();
   for (const Statement* s = prog_->First(); s; s = s->Next()) {
@@ -470,7 +470,7 @@ int RunFile(const char* path) {
     return -1;
   }
   std::unique_ptr<Program> prog = LoadProgram(file, path, true);
-  if (prog->BadLines() == 0 && (g_err.parse == 0 || g_err.parse == kEndOfFile)) {
+  if (prog->BadLines() == 0 && (g_err.parse == 0 || g_err.parse == err::kEndOfFile)) {
     ErrorCode code = Link(*prog);
     if (!code) code = Run(*prog, false);
     if (code) ReportRunError(true);

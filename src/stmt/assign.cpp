@@ -184,10 +184,11 @@ LetListPtr ParseItem(Program& p, std::unique_ptr<Var> (*parseVar)(Program&),
 }
 
 LetListPtr ParseAssignment(Program& p) {
-  LetListPtr item =
-      ParseItem<NumericVar, NumericExpPtr, LetNumeric>(p, ParseNumericVar, ParseNumericExp, 35);
+  LetListPtr item = ParseItem<NumericVar, NumericExpPtr, LetNumeric>(
+      p, ParseNumericVar, ParseNumericExp, err::kBadNumericExp);
   if (!item && !g_err.parse)
-    item = ParseItem<StringVar, StringExpPtr, LetString>(p, ParseStringVar, ParseStringExp, 36);
+    item = ParseItem<StringVar, StringExpPtr, LetString>(p, ParseStringVar, ParseStringExp,
+                                                         err::kBadStringExp);
   if (!item || !p.Accept(tok::kSemicolon)) return item;
   LetListPtr rest = ParseAssignment(p);
   if (rest) return std::make_unique<LetGroup>(std::move(item), std::move(rest));
@@ -202,7 +203,7 @@ StatementPtr ParseLet(Program& p) {
   LetListPtr list = ParseAssignment(p);
   if (!list) {
     p.Restore(mark);
-    if (!g_err.parse) SetParseError(24);
+    if (!g_err.parse) SetParseError(err::kLetTargetMissing);
     return nullptr;
   }
   return std::make_unique<LetLetStmt>(std::move(list));

@@ -14,7 +14,7 @@ namespace {
 Statement* CallSubroutine(Program& prog, Statement* self, Statement* returnTo, Statement* target) {
   RunFrame& frame = prog.frame;
   if (frame.depth >= RunFrame::kMaxGosub) {
-    Raise(1005, self->Location());
+    Raise(err::kGosubTooDeep, self->Location());
     return target;
   }
   frame.returns[frame.depth++] = returnTo;
@@ -33,7 +33,7 @@ class GoToLineStmt final : public Statement {
     target_.List(out);
   }
   ErrorCode Resolve(Program&) override {
-    if (!target_.Named()) return 62;
+    if (!target_.Named()) return err::kUndefinedTarget;
     successor_ = target_.Landing();
     return 0;
   }
@@ -53,7 +53,7 @@ class GoSubLineStmt final : public Statement {
     target_.List(out);
   }
   ErrorCode Resolve(Program&) override {
-    if (!target_.Named()) return 62;
+    if (!target_.Named()) return err::kUndefinedTarget;
     landing_ = target_.Landing();
     return 0;
   }
@@ -69,7 +69,7 @@ class ReturnStmt final : public Statement {
   explicit ReturnStmt(Program& prog) : prog_(prog) {}
   Statement* Execute() override {
     RunFrame& frame = prog_.frame;
-    if (frame.depth == 0) return Fail(1004);
+    if (frame.depth == 0) return Fail(err::kReturnWithoutGosub);
     Statement* back = frame.returns[--frame.depth];
     return back ? back : successor_;
   }
@@ -119,11 +119,11 @@ class JumpListStmt : public Statement {
   }
   ErrorCode Resolve(Program&) override {
     for (size_t i = 0; i < targets_.size(); ++i) {
-      if (!targets_[i].Named()) return 62;
+      if (!targets_[i].Named()) return err::kUndefinedTarget;
       chosen_[i] = Destination(targets_[i]);
     }
     if (else_) {
-      if (!else_.Named()) return 62;
+      if (!else_.Named()) return err::kUndefinedTarget;
       elseChosen_ = Destination(else_);
     }
     return 0;
@@ -211,7 +211,7 @@ class RestoreListStmt final : public JumpListStmt {
 
 TargetRef ExpectTarget(Program& p) {
   TargetRef target = ParseTarget(p);
-  if (!target && !g_err.parse) SetParseError(kBadStmtNumber);
+  if (!target && !g_err.parse) SetParseError(err::kBadStmtNumber);
   return target;
 }
 
@@ -233,7 +233,7 @@ StatementPtr ParseJump(Program& p, JumpKind kind) {
   NumericExpPtr selector = ParseNumericExp(p);
   if (!selector || !p.Accept(tok::kOf)) {
     p.Restore(mark);
-    if (!g_err.parse) SetParseError(selector ? ErrorCode{40} : ErrorCode{kBadStmtNumber});
+    if (!g_err.parse) SetParseError(selector ? err::kMissingDelimiter : err::kBadStmtNumber);
     return nullptr;
   }
   return ParseJumpList(p, kind, std::move(selector), false);

@@ -218,9 +218,9 @@ bool StartsStringCase(Program& p) {
 }
 
 std::vector<NumericCasePtr> ParseNumericCases(Program& p) {
-  return ParseItems<NumericCase>(p, ParseNumericCase, 35);
+  return ParseItems<NumericCase>(p, ParseNumericCase, err::kBadNumericExp);
 }
 
 std::vector<StringCasePtr> ParseStringCases(Program& p) {
-  return ParseItems<StringCase>(p, ParseStringCase, 36);
+  return ParseItems<StringCase>(p, ParseStringCase, err::kBadStringExp);
 }

@@ -88,16 +88,16 @@ class ReadDataStmt final : public Statement {
   Statement* Execute() override {
     for (const auto& target : targets_) {
       const DataItem* item = reader_.item;
-      if (!item) return reader_.endTarget ? reader_.endTarget : Fail(1011);
+      if (!item) return reader_.endTarget ? reader_.endTarget : Fail(err::kOutOfData);
       reader_.current->Advance();
       if (item->type == tok::kNumVar) {
-        if (target->IsString()) return Fail(1012);
+        if (target->IsString()) return Fail(err::kDataWrongType);
         target->Assign(item->number);
       } else if (item->type == tok::kStrVar) {
-        if (!target->IsString()) return Fail(1012);
+        if (!target->IsString()) return Fail(err::kDataWrongType);
         target->Assign(std::string_view(item->text));
       } else {
-        return Fail(1013);
+        return Fail(err::kUnknownDataType);
       }
       if (g_err.run) break;
     }
@@ -151,7 +151,7 @@ class RestoreLineStmt final : public Statement {
     out += "RESTORE ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override { return target_.Named() ? 0 : 62; }
+  ErrorCode Resolve(Program&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
 
  private:
   DataReader& reader_;
@@ -172,7 +172,7 @@ class OnEndDataStmt final : public Statement {
     out += "ON END THEN ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override { return target_.Named() ? 0 : 62; }
+  ErrorCode Resolve(Program&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
 
  private:
   DataReader& reader_;
@@ -213,7 +213,7 @@ StatementPtr ParseData(Program& p) {
       item.text = p.Text();
       items.push_back(std::move(item));
     } else {
-      SetParseError(39);
+      SetParseError(err::kBadConstant);
       p.Restore(mark);
       return nullptr;
     }
@@ -236,23 +236,14 @@ StatementPtr ParseRestore(Program& p) {
   p.Restore(mark);
   if (NumericExpPtr selector = ParseNumericExp(p); selector && p.Peek() == tok::kOf)
     return ParseRestoreOf(p, std::move(selector));
-  if (!g_err.parse) SetParseError(18);
+  if (!g_err.parse) SetParseError(err::kBadStmtNumber);
   p.Restore(mark);
   return nullptr;
 }
 
 StatementPtr ParseOnEnd(Program& p) {
-  size_t mark = p.Mark();
-  if (!p.Accept(tok::kThen)) {
-    SetParseError(40);
-    return nullptr;
-  }
-  TargetRef target = ParseTarget(p);
-  if (!target) {
-    SetParseError(18);
-    p.Restore(mark);
-    return nullptr;
-  }
+  TargetRef target = ParseThenTarget(p);
+  if (!target) return nullptr;
   return std::make_unique<OnEndDataStmt>(p.data, std::move(target));
 }
 

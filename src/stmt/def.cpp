@@ -25,7 +25,7 @@ class DefSingleStmt final : public Statement {
   bool IsExecutable() const override { return false; }
   ErrorCode Check(Program& prog) override {
     for (const FuncSpec* f : prog.functions)
-      if (f->Name() == spec_->Name()) return 44;
+      if (f->Name() == spec_->Name()) return err::kDuplicateFunction;
     prog.functions.push_back(spec_.get());
     return 0;
   }

@@ -39,7 +39,7 @@ class DimNumericArraySpec final : public DimSpec {
       : DimSpec(name), bounds_(std::move(bounds)) {}
   ErrorCode Link(Program& prog) const override {
     auto& slot = prog.NumericArray(name_);
-    if (slot) return 61;
+    if (slot) return err::kDimensionedTwice;
     return MakeNumericArray(name_, DimensionList(bounds_), &slot);
   }
   void List(std::string& out) const override {
@@ -61,7 +61,7 @@ class DimStringArraySpec final : public DimSpec {
       : DimSpec(name), bounds_(std::move(bounds)), length_(length) {}
   ErrorCode Link(Program& prog) const override {
     auto& slot = prog.StringArray(name_);
-    if (slot) return 61;
+    if (slot) return err::kDimensionedTwice;
     return MakeStringArray(name_, DimensionList(bounds_), &slot);
   }
   void List(std::string& out) const override {
@@ -83,7 +83,7 @@ class DimStringSimpleSpec final : public DimSpec {
  public:
   DimStringSimpleSpec(const VarToken* name, uint32_t length) : DimSpec(name), length_(length) {}
   ErrorCode Link(Program& prog) const override {
-    if (prog.FindStringSimple(name_)) return 61;
+    if (prog.FindStringSimple(name_)) return err::kDimensionedTwice;
     prog.StringSimple(name_);
     return 0;
   }
@@ -129,7 +129,7 @@ class DimStmt final : public Statement {
 bool ParseBound(Program& p, uint32_t* out) {
   float value;
   if (!p.AcceptConstant(&value) || !(value >= 0.5f)) {
-    SetParseError(67);
+    SetParseError(err::kBadArgument);
     return false;
   }
   // Bounds past 32 bits are kept at the largest count; creating the array refuses them.
@@ -142,7 +142,7 @@ bool ParseBound(Program& p, uint32_t* out) {
 // Every failure of the bounds is reported as 47.
 bool ParseDimensions(Program& p, bool numeric, std::vector<uint32_t>* bounds) {
   if (!p.Accept(tok::kLParen) && !(numeric && p.Accept(tok::kLBracket))) {
-    SetParseError(28);
+    SetParseError(err::kMissingLParen);
     return false;
   }
   bool ok = false;
@@ -156,7 +156,7 @@ bool ParseDimensions(Program& p, bool numeric, std::vector<uint32_t>* bounds) {
     }
   }
   if (!ok || !(p.Accept(tok::kRParen) || (numeric && p.Accept(tok::kRBracket)))) {
-    SetParseError(47);
+    SetParseError(err::kBadParamList);
     return false;
   }
   return true;
@@ -165,12 +165,12 @@ bool ParseDimensions(Program& p, bool numeric, std::vector<uint32_t>* bounds) {
 // "[" length "]" after a string name or array; 30 and 31 for missing brackets.
 bool ParseLength(Program& p, uint32_t* length) {
   if (!p.Accept(tok::kLBracket)) {
-    SetParseError(30);
+    SetParseError(err::kMissingLBracket);
     return false;
   }
   if (!ParseBound(p, length)) return false;
   if (!p.Accept(tok::kRBracket)) {
-    SetParseError(31);
+    SetParseError(err::kMissingRBracket);
     return false;
   }
   return true;
@@ -191,7 +191,7 @@ DimSpecPtr ParseDimSpec(Program& p) {
   // String array, with or without a length.
   if (const VarToken* name = NameIn(p, tok::kStrArray)) {
     if (!ParseDimensions(p, false, &bounds)) {
-      if (!g_err.parse) SetParseError(60);
+      if (!g_err.parse) SetParseError(err::kBadDimVar);
       p.Restore(mark);
       return nullptr;
     }
@@ -200,7 +200,7 @@ DimSpecPtr ParseDimSpec(Program& p) {
     if (ParseBound(p, &length)) {
       if (p.Accept(tok::kRBracket))
         return std::make_unique<DimStringArraySpec>(name, std::move(bounds), length);
-      SetParseError(31);
+      SetParseError(err::kMissingRBracket);
     }
     p.Restore(mark);
     return nullptr;
@@ -230,14 +230,14 @@ StatementPtr ParseDim(Program& p) {
   std::vector<DimSpecPtr> specs;
   DimSpecPtr first = ParseDimSpec(p);
   if (!first) {
-    if (!g_err.parse) SetParseError(50);
+    if (!g_err.parse) SetParseError(err::kBadAllocation);
     return nullptr;
   }
   specs.push_back(std::move(first));
   while (p.Accept(tok::kComma)) {
     DimSpecPtr next = ParseDimSpec(p);
     if (!next) {
-      SetParseError(50);
+      SetParseError(err::kBadAllocation);
       p.Restore(mark);
       return nullptr;
     }
@@ -246,7 +246,7 @@ StatementPtr ParseDim(Program& p) {
   for (size_t i = 0; i < specs.size(); ++i)
     for (size_t j = i + 1; j < specs.size(); ++j)
       if (specs[i]->Clashes(*specs[j])) {
-        SetParseError(61);
+        SetParseError(err::kDimensionedTwice);
         p.Restore(mark);
         return nullptr;
       }

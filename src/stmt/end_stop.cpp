@@ -9,7 +9,7 @@ namespace {
 
 class EndStmt final : public Statement {
  public:
-  Statement* Execute() override { return Fail(kEnd); }
+  Statement* Execute() override { return Fail(err::kEnd); }
   TokenCode Code() const override { return tok::kEnd; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "END"; }
@@ -17,7 +17,7 @@ class EndStmt final : public Statement {
 
 class StopStmt final : public Statement {
  public:
-  Statement* Execute() override { return Fail(kStop); }
+  Statement* Execute() override { return Fail(err::kStop); }
   TokenCode Code() const override { return tok::kStop; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "STOP"; }
@@ -30,7 +30,7 @@ class SleepStmt final : public Statement {
   Statement* Execute() override {
     float ms = time_->Evaluate();
     if (g_err.run) return successor_;
-    if (!(ms >= 1.0f)) return Fail(1014);
+    if (!(ms >= 1.0f)) return Fail(err::kArgOutOfRange);
     std::this_thread::sleep_for(std::chrono::milliseconds(static_cast<int64_t>(ms)));
     return successor_;
   }
@@ -62,7 +62,7 @@ StatementPtr ParseSleep(Program& p) {
   NumericExpPtr time = ParseNumericExp(p);
   if (!time) {
     p.Restore(mark);
-    if (!g_err.parse) SetParseError(35);
+    if (!g_err.parse) SetParseError(err::kBadNumericExp);
     return nullptr;
   }
   return std::make_unique<SleepStmt>(std::move(time));

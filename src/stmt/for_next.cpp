@@ -25,7 +25,7 @@ class NextStmt final : public Statement {
     for_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return for_ ? 0 : 75; }
+  ErrorCode Check(Program&) override { return for_ ? 0 : err::kNextWithoutFor; }
   SearchAnswer Answer(Search search, Statement* asker) override;
   const VarToken* Variable() const { return var_->Name(); }
   void Bind(ForStmt* loop) { for_ = loop; }
@@ -84,7 +84,7 @@ class ForStmt final : public BlockOpener {
   }
   SearchAnswer Answer(Search search, Statement* asker) override {
     if (search == Search::kNext && static_cast<ForStmt*>(asker)->Variable() == Variable())
-      return FailSearch(72, Location());
+      return FailSearch(err::kSameForVar, Location());
     return BlockOpener::Answer(search, asker);
   }
 
@@ -108,7 +108,7 @@ class ForStmt final : public BlockOpener {
     return next_;
   }
   void ClearLinks() override { next_ = nullptr; }
-  ErrorCode UnmatchedCode() const override { return 74; }
+  ErrorCode UnmatchedCode() const override { return err::kForWithoutNext; }
 
  private:
   // A zero step counts as ascending.
@@ -138,7 +138,7 @@ void NextStmt::Dump(std::string& out) const {
 SearchAnswer NextStmt::Answer(Search search, Statement* asker) {
   static constexpr AnswerRow kRow = {kEnds, 0, 80, 76, 79, 81, 81, 81, 81};
   if (search == Search::kNext && static_cast<ForStmt*>(asker)->Variable() != Variable())
-    return FailSearch(73, Location());
+    return FailSearch(err::kNotSameForVar, Location());
   return AnswerFrom(kRow, search, this);
 }
 
@@ -154,13 +154,13 @@ std::unique_ptr<NumericSimpleVar> ParseLoopVar(Program& p) {
     }
   }
   p.Restore(mark);
-  SetParseError(20);
+  SetParseError(err::kBadNumericVar);
   return nullptr;
 }
 
 NumericExpPtr ParseOperand(Program& p) {
   NumericExpPtr exp = ParseNumericExp(p);
-  if (!exp && !g_err.parse) SetParseError(35);
+  if (!exp && !g_err.parse) SetParseError(err::kBadNumericExp);
   return exp;
 }
 
@@ -175,10 +175,10 @@ StatementPtr ParseFor(Program& p) {
   };
   std::unique_ptr<NumericSimpleVar> var = ParseLoopVar(p);
   if (!var) return fail(0);
-  if (!p.Accept(tok::kEQ)) return fail(27);
+  if (!p.Accept(tok::kEQ)) return fail(err::kMissingAssignOp);
   NumericExpPtr initial = ParseOperand(p);
   if (!initial) return fail(0);
-  if (!p.Accept(tok::kTo)) return fail(40);
+  if (!p.Accept(tok::kTo)) return fail(err::kMissingDelimiter);
   NumericExpPtr limit = ParseOperand(p);
   if (!limit) return fail(0);
   NumericExpPtr step;

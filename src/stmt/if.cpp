@@ -23,7 +23,7 @@ class EndIfStmt final : public Statement {
     opener_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return opener_ ? 0 : 105; }
+  ErrorCode Check(Program&) override { return opener_ ? 0 : err::kEndIfWithoutIf; }
   SearchAnswer Answer(Search search, Statement*) override {
     static constexpr AnswerRow kRow = {114, kEnds, kEnds, 112, 113, 115, 115, 115, 115};
     return AnswerFrom(kRow, search, this);
@@ -48,7 +48,7 @@ class ElseStmt final : public Statement {
     endIf_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return matched_ ? 0 : 104; }
+  ErrorCode Check(Program&) override { return matched_ ? 0 : err::kElseWithoutIf; }
   SearchAnswer Answer(Search search, Statement*) override {
     static constexpr AnswerRow kRow = {110, kEnds, 104, 108, 109, 111, 111, 111, 111};
     return AnswerFrom(kRow, search, this);
@@ -58,7 +58,7 @@ class ElseStmt final : public Statement {
     matched_ = true;
     Statement* found = SearchAfter(Search::kEndIf, this);
     if (!found) {
-      FailSearch(106, Location());
+      FailSearch(err::kIfWithoutEndIf, Location());
       return nullptr;
     }
     endIf_ = static_cast<EndIfStmt*>(found);
@@ -112,7 +112,7 @@ class IfDoStmt final : public BlockOpener {
     endIf_ = nullptr;
     false_ = nullptr;
   }
-  ErrorCode UnmatchedCode() const override { return 106; }
+  ErrorCode UnmatchedCode() const override { return err::kIfWithoutEndIf; }
 
  private:
   NumericExpPtr condition_;
@@ -140,7 +140,7 @@ class IfStmtLabel final : public Statement {
   }
   bool IsBlock() const override { return true; }
   ErrorCode Resolve(Program&) override {
-    if (!target_.Named()) return 62;
+    if (!target_.Named()) return err::kUndefinedTarget;
     landing_ = target_.Landing();
     return 0;
   }
@@ -225,8 +225,8 @@ StatementPtr ParseIf(Program& p) {
     return nullptr;
   };
   NumericExpPtr condition = ParseNumericExp(p);
-  if (!condition) return fail(35);
-  if (!p.Accept(tok::kThen)) return fail(40);
+  if (!condition) return fail(err::kBadNumericExp);
+  if (!p.Accept(tok::kThen)) return fail(err::kMissingDelimiter);
   if (LineEnds(p)) return std::make_unique<IfDoStmt>(std::move(condition));
 
   size_t then = p.Mark();
@@ -236,13 +236,13 @@ StatementPtr ParseIf(Program& p) {
     p.Restore(then);
   }
   TokenCode keyword = p.Peek();
-  if (RefusedAfterThen(keyword)) return fail(107);
+  if (RefusedAfterThen(keyword)) return fail(err::kNotAfterThen);
   // An IF after THEN would nest one IF's parts inside another's.
-  if (keyword == tok::kIf) return fail(116);
+  if (keyword == tok::kIf) return fail(err::kCompoundStmt);
   StatementPtr stmt = ParseStatement(p);
   if (!stmt) return fail(0);
   // END IF, END WHILE and END SELECT start with END.
-  if (RefusedAfterThen(stmt->Code())) return fail(107);
+  if (RefusedAfterThen(stmt->Code())) return fail(err::kNotAfterThen);
   return std::make_unique<IfStmtStmt>(std::move(condition), std::move(stmt));
 }
 

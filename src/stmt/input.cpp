@@ -66,7 +66,7 @@ bool InputStmt::Ask(Typed& typed, const char* prompt) {
   Console& con = TheConsole();
   con.Printf("%s", prompt);
   int n = con.ReadLine(typed.line);
-  if (n == Console::kEndOfInput) Raise(2004, Location());
+  if (n == Console::kEndOfInput) Raise(err::kFileEnd, Location());
   if (n <= 0) return false;
   typed.scanner.Start(typed.line);
   return true;
@@ -140,19 +140,19 @@ StatementPtr ParseInput(Program& p) {
   if (p.Accept(tok::kString)) {
     std::string prompt(p.Text());
     if (!p.Accept(tok::kComma)) {
-      SetParseError(40);
+      SetParseError(err::kMissingDelimiter);
       p.Restore(mark);
       return nullptr;
     }
     if (!ParseTargetList(p, &targets) || targets.empty()) {
-      SetParseError(21);
+      SetParseError(err::kBadStringVar);
       p.Restore(mark);
       return nullptr;
     }
     return std::make_unique<InputPromptStmt>(prompt, std::move(targets));
   }
   if (!ParseTargetList(p, &targets) || targets.empty()) {
-    SetParseError(25);
+    SetParseError(err::kBadTarget);
     p.Restore(mark);
     return nullptr;
   }

@@ -83,7 +83,7 @@ StatementPtr ParseStatement(Program& p) {
   }
   ParseRoutine parse = RoutineOf(code);
   if (!parse) {
-    SetParseError(kNotSupported);
+    SetParseError(err::kNotSupported);
     return nullptr;
   }
   return parse(p);

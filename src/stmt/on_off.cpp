@@ -9,7 +9,7 @@ namespace {
 class OnErrorStmt final : public Statement {
  public:
   explicit OnErrorStmt(TargetRef target) : target_(std::move(target)) {}
-  Statement* Execute() override { return Fail(kNotSupported); }
+  Statement* Execute() override { return Fail(err::kNotSupported); }
   TokenCode Code() const override { return tok::kOn; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override {
@@ -17,7 +17,7 @@ class OnErrorStmt final : public Statement {
     target_.List(out);
   }
   ErrorCode Resolve(Program&) override {
-    if (!target_.Named()) return Raise(62, Location());
+    if (!target_.Named()) return Raise(err::kUndefinedTarget, Location());
     landing_ = target_.Landing();
     return g_err.run;
   }
@@ -29,24 +29,15 @@ class OnErrorStmt final : public Statement {
 
 class OffErrorStmt final : public Statement {
  public:
-  Statement* Execute() override { return Fail(kNotSupported); }
+  Statement* Execute() override { return Fail(err::kNotSupported); }
   TokenCode Code() const override { return tok::kOn; }  // the OFF statements report ON
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "OFF ERROR"; }
 };
 
 StatementPtr ParseOnError(Program& p) {
-  size_t mark = p.Mark();
-  if (!p.Accept(tok::kThen)) {
-    SetParseError(40);
-    return nullptr;
-  }
-  TargetRef target = ParseTarget(p);
-  if (!target) {
-    p.Restore(mark);
-    SetParseError(kBadStmtNumber);
-    return nullptr;
-  }
+  TargetRef target = ParseThenTarget(p);
+  if (!target) return nullptr;
   return std::make_unique<OnErrorStmt>(std::move(target));
 }
 
@@ -59,7 +50,7 @@ StatementPtr ParseOn(Program& p) {
   NumericExpPtr selector = ParseNumericExp(p);
   if (!selector) {
     p.Restore(mark);
-    if (!g_err.parse) SetParseError(35);
+    if (!g_err.parse) SetParseError(err::kBadNumericExp);
     return nullptr;
   }
   JumpKind kind;
@@ -71,7 +62,7 @@ StatementPtr ParseOn(Program& p) {
     kind = JumpKind::kRestore;
   } else {
     p.Restore(mark);
-    SetParseError(17);
+    SetParseError(err::kMissingKeyword);
     return nullptr;
   }
   StatementPtr stmt = ParseJumpList(p, kind, std::move(selector), true);
@@ -82,6 +73,6 @@ StatementPtr ParseOn(Program& p) {
 StatementPtr ParseOff(Program& p) {
   if (p.Accept(tok::kError)) return std::make_unique<OffErrorStmt>();
   if (p.Accept(tok::kEnd)) return ParseOffEnd(p);
-  SetParseError(17);
+  SetParseError(err::kMissingKeyword);
   return nullptr;
 }

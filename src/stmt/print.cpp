@@ -49,7 +49,7 @@ StatementPtr ParsePrint(Program& p) {
   TokenCode next = p.Peek();
   if (next == tok::kEndOfLine || next == tok::kComment) return std::make_unique<PrintConsoleStmt>();
   if (next == tok::kUsing) {
-    SetParseError(kNotSupported);  // PRINT USING comes with IMAGE formats
+    SetParseError(err::kNotSupported);  // PRINT USING comes with IMAGE formats
     return nullptr;
   }
   PrintSpecPtr items, end;

@@ -23,7 +23,7 @@ class CaseStmt : public Statement {
     exit_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return matched_ ? 0 : 89; }
+  ErrorCode Check(Program&) override { return matched_ ? 0 : err::kCaseWithoutSelect; }
   virtual bool Accepts(float selector) = 0;
   virtual bool Accepts(std::string_view selector) = 0;
 
@@ -108,7 +108,7 @@ class EndSelectStmt final : public Statement {
     last_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return last_ ? 0 : 92; }
+  ErrorCode Check(Program&) override { return last_ ? 0 : err::kEndSelectWithoutSelect; }
   SearchAnswer Answer(Search search, Statement*) override {
     static constexpr AnswerRow kRow = {103, 0, 102, 100, 101, 91, kEnds, 91, kEnds};
     return AnswerFrom(kRow, search, this);
@@ -151,12 +151,12 @@ class SelectStmt : public BlockOpener {
       CaseStmt* last = chain.back();
       found = last->SearchAfter(follower, last);
       if (!found) {
-        FailSearch(90, Location());
+        FailSearch(err::kSelectWithoutEnd, Location());
         return nullptr;
       }
       if (auto* c = dynamic_cast<CaseStmt*>(found)) {
         if (dynamic_cast<CaseElseStmt*>(last)) {
-          FailSearch(93, last->Location());
+          FailSearch(err::kCaseElseNotLast, last->Location());
           return nullptr;
         }
         chain.push_back(c);
@@ -175,7 +175,7 @@ class SelectStmt : public BlockOpener {
     first_ = nullptr;
     exit_ = nullptr;
   }
-  ErrorCode UnmatchedCode() const override { return 90; }
+  ErrorCode UnmatchedCode() const override { return err::kSelectWithoutEnd; }
 
  private:
   bool numeric_;
@@ -245,7 +245,7 @@ StatementPtr ParseSelect(Program& p) {
   NumericExpPtr number = ParseNumericExp(p);
   if (!number) {
     p.Restore(mark);
-    if (!g_err.parse) SetParseError(37);
+    if (!g_err.parse) SetParseError(err::kBadExpression);
     return nullptr;
   }
   return std::make_unique<SelectNumericStmt>(std::move(number));

@@ -23,7 +23,7 @@ class LabelStmt final : public Statement {
  public:
   LabelStmt(std::string_view name, bool followed) : name_(name), followed_(followed) {}
   // A bare label is skipped by the successor chain; reached directly it is unsupported.
-  Statement* Execute() override { return Fail(kNotSupported); }
+  Statement* Execute() override { return Fail(err::kNotSupported); }
   TokenCode Code() const override { return 0x1B; }
   size_t Size() const override { return sizeof *this + name_.size(); }
   void List(std::string& out) const override {
@@ -97,7 +97,7 @@ class InvalidStmt final : public Statement {
 class EndMarkStmt final : public Statement {
  public:
   EndMarkStmt() { SetFlags(loc::kHidden); }
-  Statement* Execute() override { return Fail(kStop); }
+  Statement* Execute() override { return Fail(err::kStop); }
   TokenCode Code() const override { return 0x1C; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "ENDMARK"; }

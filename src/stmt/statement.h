@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
+#include "base/base_list.h"
+#include "base/errors.h"
 #include "lex/token.h"
-#include "shell/base_list.h"
-#include "shell/errors.h"
 
 class Program;
 class TargetLabel;

@@ -20,7 +20,7 @@ bool ParseTargetList(Program& p, TargetList* out) {
   while (p.Accept(tok::kComma)) {
     auto next = ParseOneTarget(p);
     if (!next) {
-      SetParseError(25);
+      SetParseError(err::kBadTarget);
       out->clear();
       p.Restore(mark);
       return false;

@@ -23,7 +23,7 @@ class NextWhileStmt final : public Statement {
     while_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return while_ ? 0 : 78; }
+  ErrorCode Check(Program&) override { return while_ ? 0 : err::kNextWithoutWhile; }
   SearchAnswer Answer(Search search, Statement*) override {
     static constexpr AnswerRow kRow = {82, 0, 80, kEnds, 79, 81, 81, 81, 81};
     return AnswerFrom(kRow, search, this);
@@ -64,7 +64,7 @@ class WhileStmt final : public BlockOpener {
     return end_;
   }
   void ClearLinks() override { end_ = nullptr; }
-  ErrorCode UnmatchedCode() const override { return 77; }
+  ErrorCode UnmatchedCode() const override { return err::kWhileWithoutNext; }
 
  private:
   NumericExpPtr condition_;
@@ -96,7 +96,7 @@ class UntilStmt final : public Statement {
     repeat_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return repeat_ ? 0 : 83; }
+  ErrorCode Check(Program&) override { return repeat_ ? 0 : err::kUntilWithoutRepeat; }
   SearchAnswer Answer(Search search, Statement*) override {
     static constexpr AnswerRow kRow = {87, 0, 86, 85, kEnds, 88, 88, 88, 88};
     return AnswerFrom(kRow, search, this);
@@ -131,7 +131,7 @@ class RepeatStmt final : public BlockOpener {
     return until_;
   }
   void ClearLinks() override { until_ = nullptr; }
-  ErrorCode UnmatchedCode() const override { return 84; }
+  ErrorCode UnmatchedCode() const override { return err::kRepeatWithoutUntil; }
 
  private:
   UntilStmt* until_ = nullptr;
@@ -154,7 +154,7 @@ NumericExpPtr ParseCondition(Program& p) {
   NumericExpPtr exp = ParseNumericExp(p);
   if (!exp) {
     p.Restore(mark);
-    if (!g_err.parse) SetParseError(35);
+    if (!g_err.parse) SetParseError(err::kBadNumericExp);
   }
   return exp;
 }

@@ -50,13 +50,13 @@ int64_t ElementIndex(const DimensionList& dims, const float* subscripts) {
 ErrorCode MakeNumericArray(const VarToken* name, DimensionList dims,
                            std::unique_ptr<NumericScriptData>* out) {
   double total = dims.Total();
-  if (total > kMaxElements) return 59;
+  if (total > kMaxElements) return err::kArrayTooBig;
   auto data = std::make_unique<NumericScriptData>();
   data->name = name;
   data->count = static_cast<uint32_t>(total);
   data->dims = std::move(dims);
   data->elements.reset(new (std::nothrow) float[data->count ? data->count : 1]);
-  if (!data->elements) return kNoMemory;
+  if (!data->elements) return err::kNoMemory;
   std::fill_n(data->elements.get(), data->count, UndefinedValue());
   *out = std::move(data);
   return 0;

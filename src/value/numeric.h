@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/errors.h"
+#include "base/errors.h"
 
 class VarToken;
 
@@ -26,7 +26,7 @@ inline bool IsUndefined(float value) {
 // Reads a stored value: the undefined mark reads as 0 and raises 1001.
 inline float ReadValue(float stored) {
   if (IsUndefined(stored)) [[unlikely]] {
-    SetRunError(1001);
+    SetRunError(err::kUndefinedValue);
     return 0.0f;
   }
   return stored;

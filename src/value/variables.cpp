@@ -36,13 +36,13 @@ bool ParseSubscripts(Program& p, std::vector<NumericExpPtr>* out) {
   do {
     NumericExpPtr e = ParseNumericExp(p);
     if (!e) {
-      if (!g_err.parse) SetParseError(34);
+      if (!g_err.parse) SetParseError(err::kBadSubscript);
       return false;
     }
     out->push_back(std::move(e));
   } while (p.Accept(tok::kComma));
   if (!p.AcceptClose()) {
-    SetParseError(29);
+    SetParseError(err::kMissingRParen);
     return false;
   }
   return true;
@@ -54,10 +54,10 @@ template <typename Data, typename Maker>
 ErrorCode BindArray(std::unique_ptr<Data>& array, const VarToken* name, size_t subscripts,
                     Maker make, Data** bound) {
   if (!array) {
-    if (subscripts != 1) return 65;
+    if (subscripts != 1) return err::kUnknownDimensions;
     if (ErrorCode code = make(name, DimensionList({10}), &array)) return code;
   }
-  if (array->dims.Count() != subscripts) return 1003;
+  if (array->dims.Count() != subscripts) return err::kDimensionMismatch;
   *bound = array.get();
   return 0;
 }
@@ -69,7 +69,7 @@ auto ElementOf(Data* data, std::vector<NumericExpPtr>& subscripts, std::vector<f
   EvaluateSubscripts(subscripts, values);
   int64_t index = ElementIndex(data->dims, values.data());
   if (index < 0) {
-    if (!g_err.run) SetRunError(1002);
+    if (!g_err.run) SetRunError(err::kSubscriptOutOfBounds);
     return nullptr;
   }
   return &data->elements[index];
@@ -156,7 +156,7 @@ StringValue* StringScriptVar::Locate() { return ElementOf(data_, subscripts_, va
 ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
                           std::unique_ptr<StringScriptData>* out) {
   double total = dims.Total();
-  if (total > kMaxElements) return 59;
+  if (total > kMaxElements) return err::kArrayTooBig;
   auto data = std::make_unique<StringScriptData>();
   data->name = name;
   data->count = static_cast<uint32_t>(total);
@@ -165,7 +165,7 @@ ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
   try {
     data->elements.reset(new StringValue[data->count ? data->count : 1]);
   } catch (const std::bad_alloc&) {
-    return kNoMemory;
+    return err::kNoMemory;
   }
   *out = std::move(data);
   return 0;
@@ -204,17 +204,17 @@ std::string_view StringSubVar::Evaluate(StringValue& work) {
   limit_->Evaluate(&start, &count);
   std::string_view text = base_->Evaluate(work);
   if (!(start - 1 >= 0 && start - 1 <= 65534)) {
-    SetRunError(1009);
+    SetRunError(err::kSubstringOutOfBounds);
     return {};
   }
   size_t from = static_cast<size_t>(start) - 1;
   if (limit_->form() == StringLimit::kFirst) return from < text.size() ? text.substr(from) : "";
   if (count < 0) {
-    SetRunError(1008);
+    SetRunError(err::kNegativeLength);
     return {};
   }
   if (count > kMaxStringLength) {
-    SetRunError(1018);
+    SetRunError(err::kStringOverflow);
     return {};
   }
   auto n = static_cast<size_t>(count);
@@ -237,11 +237,11 @@ void StringSubVar::Assign(std::string_view text) {
   StringValue* target = base_->Locate();
   if (!target) return;
   if (start == 0) {
-    SetRunError(1009);
+    SetRunError(err::kSubstringOutOfBounds);
     return;
   }
   if (start < 0 || start > target->Length() + 1.0) {
-    SetRunError(1007);
+    SetRunError(err::kSubstringGap);
     return;
   }
   auto s = static_cast<uint64_t>(start);
@@ -250,7 +250,7 @@ void StringSubVar::Assign(std::string_view text) {
     // held there becomes the last one. This off-by-one is the form's defined result.
     uint64_t m = s + text.size();
     if (m > kMaxStringLength) {
-      SetRunError(1018);
+      SetRunError(err::kStringOverflow);
       return;
     }
     target->Reserve(m);
@@ -260,11 +260,11 @@ void StringSubVar::Assign(std::string_view text) {
     return;
   }
   if (count < 0) {
-    SetRunError(1008);
+    SetRunError(err::kNegativeLength);
     return;
   }
   if (s + count > kMaxStringLength) {
-    SetRunError(1018);
+    SetRunError(err::kStringOverflow);
     return;
   }
   auto n = static_cast<uint64_t>(count);
@@ -333,12 +333,12 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
     if (form != StringLimit::kFirst) second = ParseNumericExp(p);
   }
   if (!start || (form != StringLimit::kFirst && !second)) {
-    if (!g_err.parse) SetParseError(49);
+    if (!g_err.parse) SetParseError(err::kBadSubstring);
     p.Restore(mark);
     return nullptr;
   }
   if (!p.Accept(tok::kRBracket)) {
-    SetParseError(31);
+    SetParseError(err::kMissingRBracket);
     p.Restore(mark);
     return nullptr;
   }

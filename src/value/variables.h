@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/base_list.h"
+#include "base/errors.h"
 #include "expr/string_exp.h"
-#include "shell/base_list.h"
-#include "shell/errors.h"
 #include "value/numeric.h"
 #include "value/string_value.h"
 

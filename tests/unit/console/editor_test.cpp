@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <deque>
 
+#include "base/errors.h"
 #include "console/console.h"
 #include "console/console_backend.h"
 #include "console/key_source.h"
 #include "console/line_editor.h"
 #include "platform/break_flag.h"
-#include "shell/errors.h"
 
 namespace {
 
@@ -133,7 +133,7 @@ TEST_F(EditorTest, BreakAndEndOfInput) {
   g_breakFlag = 1;
   Type("abc");
   EXPECT_EQ(con->ReadLine(line), Console::kBreakRead);
-  EXPECT_EQ(g_err.run, kBreak);
+  EXPECT_EQ(g_err.run, err::kBreak);
   EXPECT_FALSE(BreakPending());
   g_err.run = 0;
   keys.clear();

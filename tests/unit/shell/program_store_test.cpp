@@ -41,7 +41,7 @@ void Type(Program& prog, const std::string& text) {
   EXPECT_EQ(prog.GetToken(), tok::kInteger) << text;
   auto number = static_cast<uint32_t>(std::strtoul(std::string(prog.Text()).c_str(), nullptr, 10));
   auto line = prog.ParseLine();
-  if (g_err.parse == kEndOfLine) {
+  if (g_err.parse == err::kEndOfLine) {
     prog.Delete(prog.Find(number));
   } else {
     line.front()->SetNumber(number);
@@ -120,7 +120,7 @@ TEST(ProgramStore, LinkFailures) {
     Type(prog, "10 REM");
     Type(prog, "20 A: REM");
     Type(prog, "30 a: STOP");
-    EXPECT_EQ(Link(prog), kDuplicateLabel);
+    EXPECT_EQ(Link(prog), err::kDuplicateLabel);
     EXPECT_EQ(g_err.location >> 8, 30u);
   }
   {

@@ -66,6 +66,8 @@ TEST(Flow, RefusedAfterThen) {
   EXPECT_EQ(ParseErrorOf("IF 1 THEN IF 2 THEN 10"), 116u);
   EXPECT_EQ(ParseErrorOf("FOR A(1)=1 TO 2"), 20u);
   EXPECT_EQ(ParseErrorOf("ON X PRINT 10"), 17u);
+  EXPECT_EQ(ParseErrorOf("ON ERROR 100"), 40u);
+  EXPECT_EQ(ParseErrorOf("ON ERROR THEN"), 18u);
 }
 
 // One case per search: the error and the statement it is reported at.

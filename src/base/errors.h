@@ -1,9 +1,16 @@
-// Error codes, the message table and the process-wide error state.
+// Error codes, the location word, and the process-wide error state.
 #pragma once
 #include <cstdint>
 #include <string>
 
 using ErrorCode = uint32_t;
+
+// Every code by name, from the one table; 0 is no error.
+namespace err {
+#define ERR(code, name, message) inline constexpr ErrorCode name = code;
+#include "base/errors.def"
+#undef ERR
+}  // namespace err
 
 // Location word layout, shared by statements and the error state.
 namespace loc {
@@ -15,21 +22,6 @@ constexpr uint32_t kFollowed = 1u << 4;    // another statement follows on this 
 constexpr uint32_t kFlags = 0xFF;
 inline uint32_t Number(uint32_t word) { return word >> 8; }
 }  // namespace loc
-
-// Codes the rest of the system names often; the table holds every one.
-enum : ErrorCode {
-  kEndOfFile = 1,
-  kEndOfLine = 2,
-  kNoMemory = 3,
-  kNotSupported = 4,
-  kLineTooLong = 6,
-  kOutOfOrder = 8,
-  kDuplicateLabel = 10,
-  kBadStmtNumber = 18,
-  kBreak = 4010,
-  kStop = 4011,
-  kEnd = 4012,
-};
 
 // The four items of the error state; plain globals of the main thread.
 struct ErrorState {
@@ -55,7 +47,3 @@ inline void SetErrorFile(const char* name) { g_err.file = name ? name : ""; }
 
 // The table's message for a code; "OK!" for a code the table does not hold.
 const char* MessageOf(ErrorCode code);
-
-// Prints the current run-time error as one line; statementWording selects
-// "statement number" (command-line runs) over "line" (the shell's RUN).
-void ReportRunError(bool statementWording);
