@@ -34,10 +34,10 @@ NumericExpPtr ParseNumericSum(Program& prog);
 // One primary: constant, function call, variable or parenthesised expression.
 NumericExpPtr ParseNumericPrimary(Program& prog);
 
-// Built-in numeric function call (category 0x9000), or null without an error
+// Built-in numeric function call (category tok::kNumFunc), or null without an error
 // when the next token is no such function.
 NumericExpPtr ParseNumericFunction(Program& prog);
-// User numeric function call (category 0x7000), or null.
+// User numeric function call (category tok::kNumUserFn), or null.
 NumericExpPtr ParseNumericUserCall(Program& prog);
 
 // A numeric literal node, for parsers that build trees of their own.

@@ -27,9 +27,9 @@ StringExpPtr ParseStringExp(Program& prog);
 // expression, giving a numeric 1/0 node; null (position restored) when absent.
 NumericExpPtr ParseStringRelationTail(Program& prog, StringExpPtr left);
 
-// Built-in string function call (category 0x8000), or null without an error.
+// Built-in string function call (category tok::kStrFunc), or null without an error.
 StringExpPtr ParseStringFunction(Program& prog);
-// User string function call (category 0x6000), or null.
+// User string function call (category tok::kStrUserFn), or null.
 StringExpPtr ParseStringUserCall(Program& prog);
 
 // A literal node, for parsers that build trees of their own.

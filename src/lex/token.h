@@ -56,16 +56,26 @@ constexpr TokenCode kPlus = 0xD00A, kMinus = 0xD00B, kStar = 0xD00C, kSlash = 0x
                     kMax = 0xD013;
 // Secondary keywords.
 constexpr TokenCode kUsing = 0xE014, kError = 0xE015, kStep = 0xE016, kThen = 0xE017, kDo = 0xE018,
-                    kTo = 0xE019, kOf = 0xE01A;
-// Statement keywords that other parsers look for.
+                    kTo = 0xE019, kOf = 0xE01A, kRr = 0xE01B, kNr = 0xE01C, kWr = 0xE01D,
+                    kZer = 0xE01E, kCon = 0xE01F, kIdn = 0xE020, kTrn = 0xE021, kInv = 0xE022;
+// Statement keywords, in code order.
 constexpr TokenCode kLet = 0xF00A, kIf = 0xF00B, kGoto = 0xF00C, kGosub = 0xF00D, kReturn = 0xF00E,
                     kFor = 0xF00F, kNext = 0xF010, kStop = 0xF011, kEnd = 0xF012, kData = 0xF013,
-                    kRead = 0xF014, kRestore = 0xF015, kInput = 0xF016, kPrint = 0xF019,
-                    kImage = 0xF01A, kRem = 0xF01B, kDim = 0xF01C, kDef = 0xF021, kOn = 0xF025,
-                    kOff = 0xF026, kElse = 0xF033, kEndIf = 0xF034, kWhile = 0xF035,
-                    kEndWhile = 0xF036, kRepeat = 0xF037, kUntil = 0xF038, kSelect = 0xF039,
-                    kCase = 0xF03A, kEndSelect = 0xF03B, kSleep = 0xF03C;
-// Built-in functions.
+                    kRead = 0xF014, kRestore = 0xF015, kInput = 0xF016, kEnter = 0xF017,
+                    kLinput = 0xF018, kPrint = 0xF019, kImage = 0xF01A, kRem = 0xF01B,
+                    kDim = 0xF01C, kCom = 0xF01D, kChain = 0xF01E, kSpawn = 0xF01F, kDef = 0xF021,
+                    kConvert = 0xF022, kMat = 0xF023, kSystem = 0xF024, kOn = 0xF025, kOff = 0xF026,
+                    kFiles = 0xF027, kAssign = 0xF028, kCreate = 0xF029, kPurge = 0xF02A,
+                    kAdvance = 0xF02B, kUpdate = 0xF02C, kLock = 0xF02D, kUnlock = 0xF02E,
+                    kExtend = 0xF02F, kOpen = 0xF030, kClose = 0xF031, kElse = 0xF033,
+                    kEndIf = 0xF034, kWhile = 0xF035, kEndWhile = 0xF036, kRepeat = 0xF037,
+                    kUntil = 0xF038, kSelect = 0xF039, kCase = 0xF03A, kEndSelect = 0xF03B,
+                    kSleep = 0xF03C, kWindow = 0xF03D, kShow = 0xF03E, kHide = 0xF03F,
+                    kMoveTo = 0xF040, kLineTo = 0xF041, kColor = 0xF042;
+// Codes of the statements that have no keyword of their own.
+constexpr TokenCode kLabelStmt = 0x1B, kEndMarkStmt = 0x1C, kBlankLineStmt = 0x20,
+                    kBadLineStmt = 0xF043;
+// Built-in functions; ASC is another spelling of NUM.
 constexpr TokenCode kFnAbs = 0x900A, kFnAtn = 0x900B, kFnCos = 0x900C, kFnExp = 0x900D,
                     kFnInt = 0x900E, kFnFix = 0x900F, kFnLog = 0x9010, kFnRnd = 0x9011,
                     kFnSgn = 0x9012, kFnSin = 0x9013, kFnSqr = 0x9014, kFnTan = 0x9015,

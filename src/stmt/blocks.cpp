@@ -1,5 +1,7 @@
 #include "stmt/blocks.h"
 
+#include <array>
+
 #include "shell/program.h"
 
 namespace {
@@ -20,10 +22,55 @@ SearchAnswer FailSearch(ErrorCode code, uint32_t location) {
 
 bool SearchFailed() { return g_pending.code != 0; }
 
-SearchAnswer AnswerFrom(const AnswerRow& row, Search search, Statement* self) {
-  ErrorCode code = row[static_cast<size_t>(search)];
+namespace {
+
+using namespace err;
+constexpr ErrorCode kPass = 0;               // not mine: ask the next statement
+constexpr ErrorCode kEnds = ~ErrorCode{0};   // the partner the search looks for
+using AnswerRow = std::array<ErrorCode, 9>;  // a closer's answer to each search
+
+// Rows in the order of Closer; columns in the order of Search: NEXT, ELSE or
+// ENDIF, ENDIF, WHILE's end, UNTIL, first numeric CASE, next numeric CASE,
+// first string CASE, next string CASE. Reordering either enum reorders this
+// table: change them together.
+constexpr AnswerRow kAnswers[] = {
+    // NEXT var
+    {kEnds, kPass, kNextAfterIf, kNextForAfterWhile, kNextAfterRepeat, kNextAfterSelect,
+     kNextAfterSelect, kNextAfterSelect, kNextAfterSelect},
+    // NEXT alone, ENDWHILE
+    {kNextWhileAfterFor, kPass, kNextAfterIf, kEnds, kNextAfterRepeat, kNextAfterSelect,
+     kNextAfterSelect, kNextAfterSelect, kNextAfterSelect},
+    // UNTIL
+    {kUntilAfterFor, kPass, kUntilAfterIf, kUntilAfterWhile, kEnds, kUntilAfterSelect,
+     kUntilAfterSelect, kUntilAfterSelect, kUntilAfterSelect},
+    // ELSE
+    {kElseAfterFor, kEnds, kElseWithoutIf, kElseAfterWhile, kElseAfterRepeat, kElseAfterSelect,
+     kElseAfterSelect, kElseAfterSelect, kElseAfterSelect},
+    // ENDIF
+    {kEndIfAfterFor, kEnds, kEnds, kEndIfAfterWhile, kEndIfAfterRepeat, kEndIfAfterSelect,
+     kEndIfAfterSelect, kEndIfAfterSelect, kEndIfAfterSelect},
+    // numeric CASE
+    {kCaseAfterFor, kCaseAfterIf, kCaseAfterIf, kCaseAfterWhile, kCaseAfterRepeat, kEnds, kEnds,
+     kCaseNotString, kCaseNotString},
+    // string CASE
+    {kCaseAfterFor, kCaseAfterIf, kCaseAfterIf, kCaseAfterWhile, kCaseAfterRepeat, kCaseNotNumeric,
+     kCaseNotNumeric, kEnds, kEnds},
+    // CASE ELSE
+    {kCaseAfterFor, kCaseAfterIf, kCaseAfterIf, kCaseAfterWhile, kCaseAfterRepeat, kEnds, kEnds,
+     kEnds, kEnds},
+    // ENDSELECT
+    {kEndSelectAfterFor, kPass, kEndSelectAfterIf, kEndSelectAfterWhile, kEndSelectAfterRepeat,
+     kSelectWithoutCase, kEnds, kSelectWithoutCase, kEnds},
+};
+static_assert(std::size(kAnswers) == static_cast<size_t>(Closer::kEndSelect) + 1);
+static_assert(std::tuple_size_v<AnswerRow> == static_cast<size_t>(Search::kNextStringCase) + 1);
+
+}  // namespace
+
+SearchAnswer AnswerAs(Closer closer, Search search, Statement* self) {
+  ErrorCode code = kAnswers[static_cast<size_t>(closer)][static_cast<size_t>(search)];
   if (code == kEnds) return {SearchAnswer::kFound, self};
-  if (code) return FailSearch(code, self->Location());
+  if (code != kPass) return FailSearch(code, self->Location());
   return {SearchAnswer::kPass};
 }
 

@@ -4,13 +4,23 @@
 
 #include "stmt/statement.h"
 
-// How a closer answers each search, indexed by Search: 0 passes the search
-// on, kEnds marks the search it ends, any other value is its error code.
-using AnswerRow = std::array<ErrorCode, 9>;
-inline constexpr ErrorCode kEnds = ~ErrorCode{0};
+// The statements that end or divide a block, each a row of the answer table
+// (blocks.cpp) that says how it answers every search that reaches it.
+enum class Closer : uint8_t {
+  kNextFor,    // NEXT with a variable
+  kNextWhile,  // NEXT alone, ENDWHILE
+  kUntil,
+  kElse,
+  kEndIf,
+  kCaseNumber,  // CASE with numeric items
+  kCaseString,  // CASE with string items
+  kCaseElse,
+  kEndSelect,
+};
 
-// Answers from a row: found, passed on, or refused with the error located at self.
-SearchAnswer AnswerFrom(const AnswerRow& row, Search search, Statement* self);
+// The closer's answer to a search: found, passed on, or refused with its
+// error located at self.
+SearchAnswer AnswerAs(Closer closer, Search search, Statement* self);
 
 // The error of the search under way; the first one stored wins.
 SearchAnswer FailSearch(ErrorCode code, uint32_t location);

@@ -136,10 +136,9 @@ void NextStmt::Dump(std::string& out) const {
 }
 
 SearchAnswer NextStmt::Answer(Search search, Statement* asker) {
-  static constexpr AnswerRow kRow = {kEnds, 0, 80, 76, 79, 81, 81, 81, 81};
   if (search == Search::kNext && static_cast<ForStmt*>(asker)->Variable() != Variable())
     return FailSearch(err::kNotSameForVar, Location());
-  return AnswerFrom(kRow, search, this);
+  return AnswerAs(Closer::kNextFor, search, this);
 }
 
 // The loop variable is a simple numeric variable: NEXT names it, and an

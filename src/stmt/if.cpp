@@ -25,8 +25,7 @@ class EndIfStmt final : public Statement {
   }
   ErrorCode Check(Program&) override { return opener_ ? 0 : err::kEndIfWithoutIf; }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {114, kEnds, kEnds, 112, 113, 115, 115, 115, 115};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kEndIf, search, this);
   }
   // The IF, or the ELSE when there is one.
   void Bind(Statement* opener) { opener_ = opener; }
@@ -50,8 +49,7 @@ class ElseStmt final : public Statement {
   }
   ErrorCode Check(Program&) override { return matched_ ? 0 : err::kElseWithoutIf; }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {110, kEnds, 104, 108, 109, 111, 111, 111, 111};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kElse, search, this);
   }
   // Called by its IF: finds the ENDIF; null when the search fails.
   EndIfStmt* Match() {
@@ -182,32 +180,6 @@ class IfStmtStmt final : public Statement {
   NumericExpPtr condition_;
   StatementPtr then_;
 };
-
-// Block statements and statements that do nothing when run may not follow THEN.
-bool RefusedAfterThen(TokenCode code) {
-  switch (code) {
-    case tok::kFor:
-    case tok::kNext:
-    case tok::kWhile:
-    case tok::kEndWhile:
-    case tok::kRepeat:
-    case tok::kUntil:
-    case tok::kElse:
-    case tok::kEndIf:
-    case tok::kSelect:
-    case tok::kCase:
-    case tok::kEndSelect:
-    case tok::kData:
-    case tok::kDim:
-    case tok::kDef:
-    case tok::kImage:
-    case 0xF01D:  // COM
-    case tok::kRem:
-      return true;
-    default:
-      return false;
-  }
-}
 
 bool LineEnds(Program& p) {
   TokenCode next = p.Peek();

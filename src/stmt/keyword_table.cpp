@@ -3,76 +3,79 @@
 
 namespace {
 
-struct KeywordStmtRow {
-  const char* keyword;
-  TokenCode code;
-  ParseRoutine parse;  // null: accepted only as text, the line is kept as a bad line
-};
+using namespace stmt_kind;
 
+// Every statement keyword of the scanner's table has a row here; a test holds
+// the two tables together.
 constexpr KeywordStmtRow kStatementTable[] = {
-    {"LET", 0xF00A, ParseLet},
-    {"PRINT", 0xF019, ParsePrint},
-    {"IF", 0xF00B, ParseIf},
-    {"GOTO", 0xF00C, ParseGoto},
-    {"GOSUB", 0xF00D, ParseGosub},
-    {"RETURN", 0xF00E, ParseReturn},
-    {"STOP", 0xF011, ParseStop},
-    {"END", 0xF012, ParseEnd},
-    {"REM", 0xF01B, ParseRem},
-    {"FOR", 0xF00F, ParseFor},
-    {"NEXT", 0xF010, ParseNext},
-    {"DIM", 0xF01C, ParseDim},
-    {"DEF", 0xF021, ParseDef},
-    {"INPUT", 0xF016, ParseInput},
-    {"READ", 0xF014, ParseRead},
-    {"DATA", 0xF013, ParseData},
-    {"ENTER", 0xF017, nullptr},
-    {"RESTORE", 0xF015, ParseRestore},
-    {"MAT", 0xF023, nullptr},
-    {"LINPUT", 0xF018, nullptr},
-    {"CONVERT", 0xF022, nullptr},
-    {"CHAIN", 0xF01E, nullptr},
-    {"SPAWN", 0xF01F, nullptr},
-    {"IMAGE", 0xF01A, nullptr},
-    {"COM", 0xF01D, nullptr},
-    {"ELSE", 0xF033, ParseElse},
-    {"ENDIF", 0xF034, ParseEndIf},
-    {"WHILE", 0xF035, ParseWhile},
-    {"ENDWHILE", 0xF036, ParseEndWhile},
-    {"REPEAT", 0xF037, ParseRepeat},
-    {"UNTIL", 0xF038, ParseUntil},
-    {"SELECT", 0xF039, ParseSelect},
-    {"CASE", 0xF03A, ParseCase},
-    {"ENDSELECT", 0xF03B, ParseEndSelect},
-    {"SLEEP", 0xF03C, ParseSleep},
-    {"ON", 0xF025, ParseOn},
-    {"OFF", 0xF026, ParseOff},
-    {"ASSIGN", 0xF028, nullptr},
-    {"CLOSE", 0xF031, nullptr},
-    {"FILES", 0xF027, nullptr},
-    {"OPEN", 0xF030, nullptr},
-    {"ADVANCE", 0xF02B, nullptr},
-    {"UPDATE", 0xF02C, nullptr},
-    {"LOCK", 0xF02D, nullptr},
-    {"UNLOCK", 0xF02E, nullptr},
-    {"CREATE", 0xF029, nullptr},
-    {"PURGE", 0xF02A, nullptr},
-    {"EXTEND", 0xF02F, nullptr},
-    {"SYSTEM", 0xF024, nullptr},
-    {"WINDOW", 0xF03D, nullptr},
-    {"SHOW", 0xF03E, nullptr},
-    {"HIDE", 0xF03F, nullptr},
-    {"MOVETO", 0xF040, nullptr},
-    {"LINETO", 0xF041, nullptr},
-    {"COLOR", 0xF042, nullptr},
+    {tok::kLet, ParseLet, 0},
+    {tok::kPrint, ParsePrint, 0},
+    {tok::kIf, ParseIf, 0},
+    {tok::kGoto, ParseGoto, 0},
+    {tok::kGosub, ParseGosub, 0},
+    {tok::kReturn, ParseReturn, 0},
+    {tok::kStop, ParseStop, 0},
+    {tok::kEnd, ParseEnd, 0},
+    {tok::kRem, ParseRem, kInert},
+    {tok::kFor, ParseFor, kBlock},
+    {tok::kNext, ParseNext, kBlock},
+    {tok::kDim, ParseDim, kInert},
+    {tok::kDef, ParseDef, kInert},
+    {tok::kInput, ParseInput, 0},
+    {tok::kRead, ParseRead, 0},
+    {tok::kData, ParseData, kInert},
+    {tok::kEnter, nullptr, kUnsupported},
+    {tok::kRestore, ParseRestore, 0},
+    {tok::kMat, nullptr, kUnsupported},
+    {tok::kLinput, nullptr, kUnsupported},
+    {tok::kConvert, nullptr, kUnsupported},
+    {tok::kChain, nullptr, kUnsupported},
+    {tok::kSpawn, nullptr, kUnsupported},
+    {tok::kImage, nullptr, kInert | kUnsupported},
+    {tok::kCom, nullptr, kInert | kUnsupported},
+    {tok::kElse, ParseElse, kBlock},
+    {tok::kEndIf, ParseEndIf, kBlock},
+    {tok::kWhile, ParseWhile, kBlock},
+    {tok::kEndWhile, ParseEndWhile, kBlock},
+    {tok::kRepeat, ParseRepeat, kBlock},
+    {tok::kUntil, ParseUntil, kBlock},
+    {tok::kSelect, ParseSelect, kBlock},
+    {tok::kCase, ParseCase, kBlock},
+    {tok::kEndSelect, ParseEndSelect, kBlock},
+    {tok::kSleep, ParseSleep, 0},
+    {tok::kOn, ParseOn, 0},
+    {tok::kOff, ParseOff, 0},
+    {tok::kAssign, nullptr, kUnsupported},
+    {tok::kClose, nullptr, kUnsupported},
+    {tok::kFiles, nullptr, kUnsupported},
+    {tok::kOpen, nullptr, kUnsupported},
+    {tok::kAdvance, nullptr, kUnsupported},
+    {tok::kUpdate, nullptr, kUnsupported},
+    {tok::kLock, nullptr, kUnsupported},
+    {tok::kUnlock, nullptr, kUnsupported},
+    {tok::kCreate, nullptr, kUnsupported},
+    {tok::kPurge, nullptr, kUnsupported},
+    {tok::kExtend, nullptr, kUnsupported},
+    {tok::kSystem, nullptr, kUnsupported},
+    {tok::kWindow, nullptr, kUnsupported},
+    {tok::kShow, nullptr, kUnsupported},
+    {tok::kHide, nullptr, kUnsupported},
+    {tok::kMoveTo, nullptr, kUnsupported},
+    {tok::kLineTo, nullptr, kUnsupported},
+    {tok::kColor, nullptr, kUnsupported},
 };
 
 }  // namespace
 
-ParseRoutine RoutineOf(TokenCode keyword) {
+const KeywordStmtRow* StatementRowOf(TokenCode keyword) {
   for (const auto& row : kStatementTable)
-    if (row.code == keyword) return row.parse;
+    if (row.code == keyword) return &row;
   return nullptr;
+}
+
+bool RefusedAfterThen(TokenCode keyword) {
+  const KeywordStmtRow* row = StatementRowOf(keyword);
+  return row && (row->flags & (kBlock | kInert)) != 0;
 }
 
 StatementPtr ParseStatement(Program& p) {
@@ -81,10 +84,10 @@ StatementPtr ParseStatement(Program& p) {
     p.BackUp();
     return ParseImpliedLet(p);
   }
-  ParseRoutine parse = RoutineOf(code);
-  if (!parse) {
+  const KeywordStmtRow* row = StatementRowOf(code);
+  if (!row || !row->parse) {
     SetParseError(err::kNotSupported);
     return nullptr;
   }
-  return parse(p);
+  return row->parse(p);
 }

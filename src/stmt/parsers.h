@@ -7,9 +7,23 @@
 
 using ParseRoutine = StatementPtr (*)(Program&);
 
-// The routine of a statement keyword code, or null for keywords this
-// interpreter accepts only as text.
-ParseRoutine RoutineOf(TokenCode keyword);
+// What the statement table says of a keyword besides its parse routine.
+namespace stmt_kind {
+inline constexpr unsigned kBlock = 1u << 0;        // opens, divides or closes a block
+inline constexpr unsigned kInert = 1u << 1;        // does nothing when run
+inline constexpr unsigned kUnsupported = 1u << 2;  // accepted only as text: kept as a bad line
+}  // namespace stmt_kind
+
+struct KeywordStmtRow {
+  TokenCode code;
+  ParseRoutine parse;  // null exactly when the row is kUnsupported
+  unsigned flags;      // stmt_kind bits
+};
+
+// The statement table's row of a keyword code, or null.
+const KeywordStmtRow* StatementRowOf(TokenCode keyword);
+// Block statements and statements that do nothing when run may not follow THEN.
+bool RefusedAfterThen(TokenCode keyword);
 
 StatementPtr ParseLet(Program& p);         // assign.cpp
 StatementPtr ParseImpliedLet(Program& p);  // assign.cpp: a line without keyword

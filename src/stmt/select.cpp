@@ -49,8 +49,7 @@ class CaseNumericStmt final : public CaseStmt {
     ListItems(out, items_);
   }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, kEnds, kEnds, 95, 95};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kCaseNumber, search, this);
   }
   bool Accepts(float selector) override { return AnyMatches(items_, selector); }
   bool Accepts(std::string_view) override { return false; }
@@ -68,8 +67,7 @@ class CaseStringStmt final : public CaseStmt {
     ListItems(out, items_);
   }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, 94, 94, kEnds, kEnds};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kCaseString, search, this);
   }
   bool Accepts(float) override { return false; }
   bool Accepts(std::string_view selector) override { return AnyMatches(items_, selector); }
@@ -83,8 +81,7 @@ class CaseElseStmt final : public CaseStmt {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "CASE ELSE"; }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {96, 99, 99, 97, 98, kEnds, kEnds, kEnds, kEnds};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kCaseElse, search, this);
   }
   bool Accepts(float) override { return true; }
   bool Accepts(std::string_view) override { return true; }
@@ -110,8 +107,7 @@ class EndSelectStmt final : public Statement {
   }
   ErrorCode Check(Program&) override { return last_ ? 0 : err::kEndSelectWithoutSelect; }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {103, 0, 102, 100, 101, 91, kEnds, 91, kEnds};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kEndSelect, search, this);
   }
   void Bind(CaseStmt* last) { last_ = last; }
 

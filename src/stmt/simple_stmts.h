@@ -10,7 +10,7 @@
 class BlankLineStmt final : public Statement {
  public:
   Statement* Execute() override { return successor_; }
-  TokenCode Code() const override { return 0x20; }
+  TokenCode Code() const override { return tok::kBlankLineStmt; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string&) const override {}
   int IndentClass() const override { return kMargin; }
@@ -24,7 +24,7 @@ class LabelStmt final : public Statement {
   LabelStmt(std::string_view name, bool followed) : name_(name), followed_(followed) {}
   // A bare label is skipped by the successor chain; reached directly it is unsupported.
   Statement* Execute() override { return Fail(err::kNotSupported); }
-  TokenCode Code() const override { return 0x1B; }
+  TokenCode Code() const override { return tok::kLabelStmt; }
   size_t Size() const override { return sizeof *this + name_.size(); }
   void List(std::string& out) const override {
     out += name_;
@@ -46,7 +46,7 @@ class CommentStmt final : public Statement {
  public:
   explicit CommentStmt(std::string_view text) : text_(text) {}
   Statement* Execute() override { return successor_; }
-  TokenCode Code() const override { return 0xA012; }
+  TokenCode Code() const override { return tok::kComment; }
   size_t Size() const override { return sizeof *this + text_.size(); }
   void List(std::string& out) const override { out += text_; }
   bool IsCode() const override { return false; }
@@ -60,7 +60,7 @@ class RemStmt final : public Statement {
  public:
   explicit RemStmt(std::string_view text) : text_(text) {}
   Statement* Execute() override { return successor_; }
-  TokenCode Code() const override { return 0xF01B; }
+  TokenCode Code() const override { return tok::kRem; }
   size_t Size() const override { return sizeof *this + text_.size(); }
   void List(std::string& out) const override {
     out += "REM ";
@@ -78,7 +78,7 @@ class InvalidStmt final : public Statement {
  public:
   InvalidStmt(std::string_view text, ErrorCode code) : text_(text), code_(code) {}
   Statement* Execute() override { return successor_; }
-  TokenCode Code() const override { return 0xF043; }
+  TokenCode Code() const override { return tok::kBadLineStmt; }
   size_t Size() const override { return sizeof *this + text_.size(); }
   void List(std::string& out) const override {
     out += '?';
@@ -98,7 +98,7 @@ class EndMarkStmt final : public Statement {
  public:
   EndMarkStmt() { SetFlags(loc::kHidden); }
   Statement* Execute() override { return Fail(err::kStop); }
-  TokenCode Code() const override { return 0x1C; }
+  TokenCode Code() const override { return tok::kEndMarkStmt; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "ENDMARK"; }
   bool IsCode() const override { return false; }

@@ -12,6 +12,7 @@ class Program;
 class TargetLabel;
 
 // The block searches of the link pass; an opener asks the statements after it.
+// The columns of the answer table in blocks.cpp follow this order.
 enum class Search {
   kNext,              // a FOR looks for its NEXT
   kElseOrEndIf,       // a block IF looks for its ELSE or ENDIF

@@ -25,8 +25,7 @@ class NextWhileStmt final : public Statement {
   }
   ErrorCode Check(Program&) override { return while_ ? 0 : err::kNextWithoutWhile; }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {82, 0, 80, kEnds, 79, 81, 81, 81, 81};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kNextWhile, search, this);
   }
   void Bind(WhileStmt* loop) { while_ = loop; }
 
@@ -98,8 +97,7 @@ class UntilStmt final : public Statement {
   }
   ErrorCode Check(Program&) override { return repeat_ ? 0 : err::kUntilWithoutRepeat; }
   SearchAnswer Answer(Search search, Statement*) override {
-    static constexpr AnswerRow kRow = {87, 0, 86, 85, kEnds, 88, 88, 88, 88};
-    return AnswerFrom(kRow, search, this);
+    return AnswerAs(Closer::kUntil, search, this);
   }
   void Bind(RepeatStmt* loop) { repeat_ = loop; }
 
