@@ -10,8 +10,10 @@ ARGS       ?=
 BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
 TEST_PKGS  := libgtest-dev tmux xvfb
 OPT_PKGS   := ccache libbenchmark-dev
+# Other interpreters that make bench compares with; a missing one only empties its column.
+PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps build unit e2e terminal asan bench format clean
+.PHONY: all run test deps peers build unit e2e terminal asan bench format clean
 
 all: build
 
@@ -59,7 +61,21 @@ asan: deps
 
 test: unit e2e terminal asan
 
-bench: deps
+peers:
+	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  if [ "$$(id -u)" = 0 ] && command -v apt-get >/dev/null; then \
+	    echo "Installing:$$missing"; \
+	    { apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $$missing >/dev/null; } \
+	      || echo "apt-get could not install:$$missing; their columns stay empty"; \
+	  else \
+	    echo "Not installed:$$missing; their columns stay empty (sudo apt-get install$$missing)"; \
+	  fi; \
+	fi
+
+# Micro-benchmarks, then the benchmark programs against the other interpreters; the tables
+# go to bench/RESULTS.md. RUNS=n changes the number of runs per median (5).
+bench: deps peers
 	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DBASIC_BENCH=ON
 	cmake --build build-bench -j$(JOBS)
 	build-bench/basic_bench

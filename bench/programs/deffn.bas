@@ -1,0 +1,9 @@
+10 REM DEF FN calls: two user functions, one calling the other, 2,500,000 passes
+20 DEF FNA(X)=X*X+1
+30 DEF FNB(X,Y)=(FNA(X)+Y) MOD 1000
+40 S=0
+50 FOR I=1 TO 2500000
+60 S=S+FNB(I MOD 100,I MOD 7)
+70 IF S>=100000 THEN S=S-100000
+80 NEXT I
+90 PRINT S

@@ -1,0 +1,10 @@
+10 REM Peak memory of a 1,000,000-element array, every element written
+20 DIM A(1000000)
+30 FOR I=1 TO 1000000
+40 A(I)=I MOD 10
+50 NEXT I
+60 S=0
+70 FOR I=1 TO 1000000 STEP 1000
+80 S=S+A(I)
+90 NEXT I
+100 PRINT S

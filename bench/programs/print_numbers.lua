@@ -1,0 +1,1 @@
+for i = 1, 500000 do print(i) end

@@ -1,0 +1,2 @@
+local fmt = string.format
+for i = 1, 500000 do io.write(fmt("%10.2f\n", (i % 50000) / 4)) end

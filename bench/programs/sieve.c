@@ -1,0 +1,19 @@
+/* Sieve of Eratosthenes: the hardware's reference for sieve.bas. */
+#include <stdio.h>
+
+static char f[1000001];
+
+int main(void) {
+  const int n = 1000000;
+  int c = 0;
+  for (int p = 1; p <= 2; p++) {
+    for (int i = 2; i <= n; i++) f[i] = 1;
+    for (int i = 2; i * i <= n; i++)
+      if (f[i])
+        for (int j = i * i; j <= n; j += i) f[j] = 0;
+    c = 0;
+    for (int i = 2; i <= n; i++) c += f[i];
+  }
+  printf("%d\n", c);
+  return 0;
+}
