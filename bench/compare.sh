@@ -52,11 +52,11 @@ command_for() {  # index file -> the command words in array cmd
   esac
 }
 
-# Output made comparable: carriage returns and the bwbasic banner dropped, blanks squeezed,
-# empty lines dropped, and the "." that this interpreter prints after integers of 32768
-# and more ("40000.") removed.
+# Output made comparable: control characters (carriage returns, brandy's VDU codes) and
+# the bwbasic banner dropped, blanks squeezed, empty lines dropped, and the "." that this
+# interpreter prints after integers of 32768 and more ("40000.") removed.
 normalize() {
-  tr -d '\r' <"$1" | awk '/Bywater BASIC|^Copyright \(c\)/ { next }
+  tr -d '\000-\010\013-\037' <"$1" | awk '/Bywater BASIC|^Copyright \(c\)/ { next }
     { out = ""
       for (i = 1; i <= NF; i++) { f = $i; if (f ~ /^-?[0-9]+\.$/) f = substr(f, 1, length(f) - 1)
                                   out = out (i > 1 ? " " : "") f }
