@@ -83,6 +83,7 @@ for name in "${order[@]}"; do
     status=0
     for ((r = 1; r <= runs; r++)); do
       read -r wall used peak status < <("$work/measure" "$out.$r" "$limit" "${cmd[@]}")
+      : "${status:=failed}"  # the measuring tool itself could not run it
       times+=("$used")
       walls+=("$wall")
       mems+=("$peak")
