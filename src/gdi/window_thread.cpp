@@ -1,0 +1,177 @@
+#include "gdi/window_thread.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "gdi/window.h"
+#include "platform/break_flag.h"
+
+#if HAVE_SDL2
+#include <SDL2/SDL.h>
+
+namespace {
+
+constexpr const char* kTitle = "Velo Basic Test Window";
+constexpr const char* kRecordKey = "record";
+// Larger windows show the top left of their picture (X11 sizes are 16-bit).
+constexpr uint32_t kMaxWindowSide = 16384;
+
+SDL_Window* WindowOf(const WindowRecord* r) { return static_cast<SDL_Window*>(r->window); }
+SDL_Surface* SurfaceOf(const WindowRecord* r) { return static_cast<SDL_Surface*>(r->surface); }
+
+// Copies the bitmap to the window; the caller has counted painting up. Waits
+// out a LineTo under way, so the copy never sees half a line.
+void Paint(WindowRecord* r) {
+  while (r->drawing.load()) std::this_thread::yield();
+  SDL_Window* window = WindowOf(r);
+  SDL_Surface* screen = window ? SDL_GetWindowSurface(window) : nullptr;
+  if (screen) {
+    if (screen->w > SurfaceOf(r)->w || screen->h > SurfaceOf(r)->h)
+      SDL_FillRect(screen, nullptr, SDL_MapRGB(screen->format, 255, 255, 255));
+    SDL_BlitSurface(SurfaceOf(r), nullptr, screen, nullptr);
+    SDL_UpdateWindowSurface(window);
+  }
+  r->painting.fetch_sub(1);
+}
+
+void Create(WindowRecord* r) {
+  const Bitmap& b = *r->bitmap;
+  int w = static_cast<int>(std::min(r->width, kMaxWindowSide));
+  int h = static_cast<int>(std::min(r->height, kMaxWindowSide));
+  SDL_Window* window = SDL_CreateWindow(kTitle, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, w,
+                                        h, SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE);
+  SDL_Surface* surface = window ? SDL_CreateRGBSurfaceWithFormatFrom(
+                                      const_cast<uint32_t*>(b.Pixels()),
+                                      static_cast<int>(b.Width()), static_cast<int>(b.Height()), 32,
+                                      static_cast<int>(b.Width() * 4), SDL_PIXELFORMAT_RGB888)
+                                : nullptr;
+  if (window && !surface) {
+    SDL_DestroyWindow(window);
+    window = nullptr;
+  }
+  if (window) {
+    SDL_SetWindowMaximumSize(window, w, h);
+    SDL_SetWindowData(window, kRecordKey, r);
+  }
+  // A window the system refuses stays open without a screen: it still draws.
+  r->window = window;
+  r->surface = surface;
+  r->open.store(1);
+  r->creating.store(0);
+}
+
+void Destroy(WindowRecord* r) {
+  if (SDL_Window* window = WindowOf(r)) SDL_DestroyWindow(window);
+  if (SDL_Surface* surface = SurfaceOf(r)) SDL_FreeSurface(surface);
+  r->window = nullptr;
+  r->surface = nullptr;
+}
+
+WindowRecord* RecordOf(uint32_t windowId) {
+  SDL_Window* window = SDL_GetWindowFromID(windowId);
+  return window ? static_cast<WindowRecord*>(SDL_GetWindowData(window, kRecordKey)) : nullptr;
+}
+
+void OnWindowEvent(const SDL_WindowEvent& e) {
+  WindowRecord* r = RecordOf(e.windowID);
+  if (!r) return;
+  switch (e.event) {
+    case SDL_WINDOWEVENT_EXPOSED:
+    case SDL_WINDOWEVENT_SIZE_CHANGED:
+      r->painting.fetch_add(1);
+      Paint(r);
+      break;
+    case SDL_WINDOWEVENT_CLOSE:  // the user closed it: the next statement frees the slot
+      Destroy(r);
+      r->open.store(0);
+      break;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
+  std::unique_ptr<WindowThread> t(new WindowThread());
+  t->thread_ = std::thread(&WindowThread::Main, t.get());
+  int state;
+  while ((state = t->state_.load()) == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  if (state == kUp) return t;
+  t->thread_.join();
+  *why = t->why_;
+  return nullptr;
+}
+
+WindowThread::~WindowThread() {
+  if (!thread_.joinable()) return;
+  while (!Post(kQuit, nullptr)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  thread_.join();
+}
+
+bool WindowThread::Post(Request request, WindowRecord* record) {
+  SDL_Event e = {};
+  e.type = eventType_;
+  e.user.code = request;
+  e.user.data1 = record;
+  return SDL_PushEvent(&e) == 1;
+}
+
+void WindowThread::Main() {
+  // Ctrl+C stays the interpreter's break key, not a quit request of SDL's.
+  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+  if (SDL_Init(SDL_INIT_VIDEO) != 0) {
+    why_ = SDL_GetError();
+    state_.store(kFailed);
+    return;
+  }
+  eventType_ = SDL_RegisterEvents(1);
+  state_.store(kUp);
+  SDL_Event e;
+  for (bool running = true; running && SDL_WaitEvent(&e);) {
+    if (e.type == eventType_) {
+      auto* r = static_cast<WindowRecord*>(e.user.data1);
+      switch (e.user.code) {
+        case kCreate:
+          Create(r);
+          break;
+        case kClose:
+          Destroy(r);
+          r->creating.store(0);
+          break;
+        case kPaint:
+          Paint(r);
+          break;
+        case kMarker:
+          r->updatePending.store(0);
+          break;
+        case kShow:
+          if (r->window) SDL_ShowWindow(WindowOf(r));
+          break;
+        case kHide:
+          if (r->window) SDL_HideWindow(WindowOf(r));
+          break;
+        case kQuit:
+          running = false;
+          break;
+      }
+    } else if (e.type == SDL_WINDOWEVENT) {
+      OnWindowEvent(e.window);
+    } else if (e.type == SDL_KEYDOWN && e.key.keysym.sym == SDLK_c &&
+               (e.key.keysym.mod & KMOD_CTRL)) {
+      g_breakFlag.store(1);  // Ctrl+C in a graphics window breaks as in the console
+    }
+  }
+  SDL_Quit();
+}
+
+#else  // built without SDL2: every window is headless
+
+std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
+  *why = "built without SDL2";
+  return nullptr;
+}
+WindowThread::~WindowThread() = default;
+bool WindowThread::Post(Request, WindowRecord*) { return false; }
+void WindowThread::Main() {}
+
+#endif
