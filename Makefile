@@ -8,12 +8,12 @@ ARGS       ?=
 
 # Debian packages: what the build needs, and what the tests need.
 BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
-TEST_PKGS  := libgtest-dev tmux xvfb
+TEST_PKGS  := libgtest-dev tmux xvfb x11-apps xdotool libx11-dev
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps peers build unit e2e terminal asan bench format clean
+.PHONY: all run test deps peers build unit e2e terminal gdi asan bench format clean
 
 all: build
 
@@ -52,6 +52,12 @@ terminal: build
 	tests/terminal/editor_tmux.sh $(BUILD)/line_echo
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
 
+# The example programs' pictures, drawn headless, against their references;
+# real windows on an Xvfb server of the test's own.
+gdi: build
+	tests/gdi/examples.sh $(BUILD)
+	tests/gdi/window_xvfb.sh $(BUILD)
+
 # The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
 asan: deps
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DBASIC_SANITIZE=ON
@@ -59,7 +65,7 @@ asan: deps
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
 	ASAN_OPTIONS=detect_leaks=1 tests/run_e2e.sh $(ASAN_BUILD)/basic
 
-test: unit e2e terminal asan
+test: unit e2e terminal gdi asan
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \

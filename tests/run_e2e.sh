@@ -21,6 +21,9 @@ check() {  # name expected actual
   fi
 }
 
+# Graphics windows open through the window thread on SDL's invisible driver.
+export SDL_VIDEODRIVER=dummy
+
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

@@ -123,8 +123,7 @@ void StartThread() {
   if (t.thread) return;
   t.headless = true;
   if (!t.noticed)
-    std::fprintf(stderr, "basic: no display for graphics windows (%s); they draw off-screen only\n",
-                 why.c_str());
+    std::fprintf(stderr, "basic: graphics windows are drawn off-screen only (%s)\n", why.c_str());
   t.noticed = true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <cstring>
 
 #include "gdi/window.h"
 #include "platform/break_flag.h"
@@ -67,6 +69,11 @@ void Destroy(WindowRecord* r) {
   r->surface = nullptr;
 }
 
+bool Named(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value && *value;
+}
+
 WindowRecord* RecordOf(uint32_t windowId) {
   SDL_Window* window = SDL_GetWindowFromID(windowId);
   return window ? static_cast<WindowRecord*>(SDL_GetWindowData(window, kRecordKey)) : nullptr;
@@ -91,6 +98,12 @@ void OnWindowEvent(const SDL_WindowEvent& e) {
 }  // namespace
 
 std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
+  // Without a display to name, SDL would probe the console and fall back to
+  // drivers that show nothing; a driver named in SDL_VIDEODRIVER is tried.
+  if (!Named("SDL_VIDEODRIVER") && !Named("DISPLAY") && !Named("WAYLAND_DISPLAY")) {
+    *why = "DISPLAY is not set";
+    return nullptr;
+  }
   std::unique_ptr<WindowThread> t(new WindowThread());
   t->thread_ = std::thread(&WindowThread::Main, t.get());
   int state;
@@ -121,6 +134,14 @@ void WindowThread::Main() {
   SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
     why_ = SDL_GetError();
+    state_.store(kFailed);
+    return;
+  }
+  const char* driver = SDL_GetCurrentVideoDriver();
+  if (!Named("SDL_VIDEODRIVER") && driver &&
+      (std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0)) {
+    SDL_Quit();
+    why_ = "no display could be opened";
     state_.store(kFailed);
     return;
   }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "console/console.h"
+#include "gdi/gdi.h"
 #include "platform/break_handler.h"
 #include "shell/shell.h"
 
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
   } else {
     status = RunShell();
   }
+  gdi::Shutdown();  // windows close and the window thread ends before the process
   TheConsole().Flush();
   return status;
 }

@@ -4,6 +4,7 @@
 
 #include "console/console.h"
 #include "expr/random.h"
+#include "gdi/gdi.h"
 #include "platform/break_flag.h"
 #include "shell/program.h"
 
@@ -24,6 +25,7 @@ std::string LowerName(std::string_view name) {
 }  // namespace
 
 ErrorCode Link(Program& prog) {
+  gdi::CloseAll();
   prog.ClearStorage();
   ClearError();
   SetErrorFile(nullptr);  // link errors name no file

@@ -1,0 +1,125 @@
+// WINDOW, CLOSE @, COLOR, MOVETO, LINETO, UPDATE @, SHOW and HIDE: the
+// statements that draw into graphics windows, each written with "@" and a
+// GDI number. They list as `LINETO @1; X,Y`.
+#include <array>
+
+#include "gdi/gdi.h"
+#include "shell/program.h"
+#include "stmt/parsers.h"
+#include "value/convert.h"
+
+namespace {
+
+// What distinguishes the eight statements: keyword, code, how many arguments
+// follow the GDI number, and what runs on the rounded values.
+struct GdiForm {
+  const char* keyword;
+  TokenCode code;
+  int args;
+  ErrorCode (*run)(const int32_t* v);  // v[0] is the GDI number
+};
+
+constexpr GdiForm kWindow{"WINDOW", 0xF03D, 2,
+                          [](const int32_t* v) { return gdi::Window(v[0], v[1], v[2]); }};
+constexpr GdiForm kCloseGdi{"CLOSE", 0xF031, 0, [](const int32_t* v) { return gdi::Close(v[0]); }};
+constexpr GdiForm kColor{"COLOR", 0xF042, 3,
+                         [](const int32_t* v) { return gdi::Color(v[0], v[1], v[2], v[3]); }};
+constexpr GdiForm kMoveTo{"MOVETO", 0xF040, 2,
+                          [](const int32_t* v) { return gdi::MoveTo(v[0], v[1], v[2]); }};
+constexpr GdiForm kLineTo{"LINETO", 0xF041, 2,
+                          [](const int32_t* v) { return gdi::LineTo(v[0], v[1], v[2]); }};
+constexpr GdiForm kUpdateGdi{"UPDATE", 0xF02C, 0,
+                             [](const int32_t* v) { return gdi::Update(v[0]); }};
+constexpr GdiForm kShow{"SHOW", 0xF03E, 0, [](const int32_t* v) { return gdi::Show(v[0]); }};
+constexpr GdiForm kHide{"HIDE", 0xF03F, 0, [](const int32_t* v) { return gdi::Hide(v[0]); }};
+
+class GdiStmt final : public Statement {
+ public:
+  static constexpr int kMaxArgs = 3;
+  using Args = std::array<NumericExpPtr, kMaxArgs>;
+
+  GdiStmt(const GdiForm& form, NumericExpPtr number, Args args)
+      : form_(form), number_(std::move(number)), args_(std::move(args)) {}
+
+  // Every value is evaluated and rounded before any check.
+  Statement* Execute() override {
+    int32_t v[1 + kMaxArgs];
+    v[0] = RoundToInt32(number_->Evaluate());
+    for (int i = 0; i < form_.args && !g_err.run; ++i)
+      v[1 + i] = RoundToInt32(args_[i]->Evaluate());
+    if (g_err.run) return successor_;
+    ErrorCode code = form_.run(v);
+    return code ? Fail(code) : successor_;
+  }
+  TokenCode Code() const override { return form_.code; }
+  size_t Size() const override {
+    size_t size = sizeof *this + number_->Size();
+    for (int i = 0; i < form_.args; ++i) size += args_[i]->Size();
+    return size;
+  }
+  void List(std::string& out) const override {
+    out += form_.keyword;
+    out += " @";
+    number_->List(out);
+    for (int i = 0; i < form_.args; ++i) {
+      out += i == 0 ? "; " : ",";
+      args_[i]->List(out);
+    }
+  }
+
+ private:
+  const GdiForm& form_;
+  NumericExpPtr number_;
+  Args args_;
+};
+
+// An expression, or null with the parse error set (the expression's own, else code).
+NumericExpPtr Expect(Program& p, ErrorCode code) {
+  size_t mark = p.Mark();
+  NumericExpPtr exp = ParseNumericExp(p);
+  if (!exp) {
+    p.Restore(mark);
+    if (!g_err.parse) SetParseError(code);
+  }
+  return exp;
+}
+
+// "@" number, then count arguments after "; " and between ",".
+StatementPtr ParseGdi(Program& p, const GdiForm& form) {
+  if (!p.Accept(tok::kAt)) {
+    SetParseError(55);
+    return nullptr;
+  }
+  NumericExpPtr number = Expect(p, 56);
+  if (!number) return nullptr;
+  GdiStmt::Args args;
+  for (int i = 0; i < form.args; ++i) {
+    if (!p.Accept(i == 0 ? tok::kSemicolon : tok::kComma)) {
+      SetParseError(i == 0 ? 41 : 40);
+      return nullptr;
+    }
+    if (!(args[i] = Expect(p, 35))) return nullptr;
+  }
+  return std::make_unique<GdiStmt>(form, std::move(number), std::move(args));
+}
+
+}  // namespace
+
+StatementPtr ParseWindow(Program& p) { return ParseGdi(p, kWindow); }
+StatementPtr ParseColor(Program& p) { return ParseGdi(p, kColor); }
+StatementPtr ParseMoveTo(Program& p) { return ParseGdi(p, kMoveTo); }
+StatementPtr ParseLineTo(Program& p) { return ParseGdi(p, kLineTo); }
+StatementPtr ParseShow(Program& p) { return ParseGdi(p, kShow); }
+StatementPtr ParseHide(Program& p) { return ParseGdi(p, kHide); }
+
+// CLOSE and UPDATE without "@" are the file statements, not built.
+StatementPtr ParseClose(Program& p) {
+  if (p.Peek() == tok::kAt) return ParseGdi(p, kCloseGdi);
+  SetParseError(kNotSupported);
+  return nullptr;
+}
+StatementPtr ParseUpdate(Program& p) {
+  if (p.Peek() == tok::kAt) return ParseGdi(p, kUpdateGdi);
+  SetParseError(kNotSupported);
+  return nullptr;
+}

@@ -1,0 +1,8 @@
+10 REM Draws until the window is closed from outside.
+20 WINDOW @1; 160,100
+30 I=0
+40 REPEAT
+50   LINETO @1; I-INT(I/160)*160,50+20*SIN(I)
+60   I=I+1
+70   IF I-INT(I/5000)*5000=0 THEN UPDATE @1
+80 UNTIL 0
