@@ -55,11 +55,13 @@ StatementPtr ParseRead(Program& p);
 StatementPtr ParseStop(Program& p);  // end_stop.cpp
 StatementPtr ParseEnd(Program& p);
 StatementPtr ParseSleep(Program& p);
-StatementPtr ParseRem(Program& p);     // simple_stmts.cpp
-StatementPtr ParseDim(Program& p);     // dim.cpp
-StatementPtr ParseDef(Program& p);     // def.cpp
-StatementPtr ParseInput(Program& p);   // input.cpp
-StatementPtr ParseWindow(Program& p);  // graphics.cpp
+StatementPtr ParseRem(Program& p);    // simple_stmts.cpp
+StatementPtr ParseDim(Program& p);    // dim.cpp
+StatementPtr ParseDef(Program& p);    // def.cpp
+StatementPtr ParseInput(Program& p);  // input.cpp
+
+// graphics.cpp: the eight statements written with "@" and a GDI number.
+StatementPtr ParseWindow(Program& p);
 StatementPtr ParseClose(Program& p);
 StatementPtr ParseColor(Program& p);
 StatementPtr ParseMoveTo(Program& p);
