@@ -218,8 +218,6 @@ const std::map<std::string, std::string> kSamples = {
 const std::vector<std::string> kRefusedToday = {
     // IMAGE and PRINT USING.
     "IMAGE", "PRINT USING",
-    // Graphics windows.
-    "WINDOW", "CLOSE @", "COLOR", "MOVETO", "LINETO", "UPDATE @", "SHOW", "HIDE",
     // Matrices, whole-line and timed input, conversions.
     "MAT", "LINPUT", "CONVERT", "ENTER",
     // Data files, COM and CHAIN.
