@@ -13,13 +13,6 @@
 namespace gdi {
 namespace {
 
-enum : ErrorCode {
-  kArgumentOutOfRange = 1014,
-  kInvalidNumber = 2501,
-  kNumberInUse = 2502,
-  kNotOpen = 2503,
-};
-
 // Polls while busy() holds: the window thread answers within moments, so the
 // first rounds only yield, then 1 ms sleeps.
 template <class Busy>
@@ -103,7 +96,7 @@ void Drawing(WindowRecord* r, Draw draw) {
 // closed is freed first.
 WindowRecord* Lookup(int32_t n, ErrorCode* code) {
   if (n < kFirst || n > kLast) {
-    *code = kInvalidNumber;
+    *code = err::kBadGdiNumber;
     return nullptr;
   }
   WindowRecord* r = T().slots[n].get();
@@ -111,7 +104,7 @@ WindowRecord* Lookup(int32_t n, ErrorCode* code) {
     T().FreeSlot(n);
     r = nullptr;
   }
-  if (!r) *code = kNotOpen;
+  if (!r) *code = err::kGdiNotOpen;
   return r;
 }
 
@@ -150,13 +143,13 @@ ErrorCode ShowOrHide(int32_t n, WindowThread::Request request) {
 }  // namespace
 
 ErrorCode Window(int32_t n, int32_t width, int32_t height) {
-  if (n < kFirst || n > kLast) return kInvalidNumber;
+  if (n < kFirst || n > kLast) return err::kBadGdiNumber;
   Table& t = T();
-  if (t.slots[n]) return kNumberInUse;
-  if (width < 1 || height < 1) return kArgumentOutOfRange;
+  if (t.slots[n]) return err::kGdiInUse;
+  if (width < 1 || height < 1) return err::kArgOutOfRange;
   auto w = static_cast<uint32_t>(width), h = static_cast<uint32_t>(height);
   std::unique_ptr<Bitmap> picture = Bitmap::Create(w, h);
-  if (!picture) return kNoMemory;
+  if (!picture) return err::kNoMemory;
   auto r = std::make_unique<WindowRecord>(n, w, h, std::move(picture));
   StartThread();
   if (t.thread) {
@@ -181,7 +174,7 @@ ErrorCode Color(int32_t n, int32_t red, int32_t green, int32_t blue) {
   ErrorCode code = 0;
   WindowRecord* r = Lookup(n, &code);
   if (!r) return code;
-  if (!InByte(red) || !InByte(green) || !InByte(blue)) return kArgumentOutOfRange;
+  if (!InByte(red) || !InByte(green) || !InByte(blue)) return err::kArgOutOfRange;
   // The pen and the position are the main thread's alone: no copy reads them.
   r->bitmap->SetPen(static_cast<uint8_t>(red), static_cast<uint8_t>(green),
                     static_cast<uint8_t>(blue));

@@ -5,7 +5,7 @@
 #pragma once
 #include <cstdint>
 
-#include "shell/errors.h"
+#include "base/errors.h"
 
 class Bitmap;
 

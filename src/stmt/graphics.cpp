@@ -19,19 +19,20 @@ struct GdiForm {
   ErrorCode (*run)(const int32_t* v);  // v[0] is the GDI number
 };
 
-constexpr GdiForm kWindow{"WINDOW", 0xF03D, 2,
+constexpr GdiForm kWindow{"WINDOW", tok::kWindow, 2,
                           [](const int32_t* v) { return gdi::Window(v[0], v[1], v[2]); }};
-constexpr GdiForm kCloseGdi{"CLOSE", 0xF031, 0, [](const int32_t* v) { return gdi::Close(v[0]); }};
-constexpr GdiForm kColor{"COLOR", 0xF042, 3,
+constexpr GdiForm kCloseGdi{"CLOSE", tok::kClose, 0,
+                            [](const int32_t* v) { return gdi::Close(v[0]); }};
+constexpr GdiForm kColor{"COLOR", tok::kColor, 3,
                          [](const int32_t* v) { return gdi::Color(v[0], v[1], v[2], v[3]); }};
-constexpr GdiForm kMoveTo{"MOVETO", 0xF040, 2,
+constexpr GdiForm kMoveTo{"MOVETO", tok::kMoveTo, 2,
                           [](const int32_t* v) { return gdi::MoveTo(v[0], v[1], v[2]); }};
-constexpr GdiForm kLineTo{"LINETO", 0xF041, 2,
+constexpr GdiForm kLineTo{"LINETO", tok::kLineTo, 2,
                           [](const int32_t* v) { return gdi::LineTo(v[0], v[1], v[2]); }};
-constexpr GdiForm kUpdateGdi{"UPDATE", 0xF02C, 0,
+constexpr GdiForm kUpdateGdi{"UPDATE", tok::kUpdate, 0,
                              [](const int32_t* v) { return gdi::Update(v[0]); }};
-constexpr GdiForm kShow{"SHOW", 0xF03E, 0, [](const int32_t* v) { return gdi::Show(v[0]); }};
-constexpr GdiForm kHide{"HIDE", 0xF03F, 0, [](const int32_t* v) { return gdi::Hide(v[0]); }};
+constexpr GdiForm kShow{"SHOW", tok::kShow, 0, [](const int32_t* v) { return gdi::Show(v[0]); }};
+constexpr GdiForm kHide{"HIDE", tok::kHide, 0, [](const int32_t* v) { return gdi::Hide(v[0]); }};
 
 class GdiStmt final : public Statement {
  public:
@@ -87,18 +88,18 @@ NumericExpPtr Expect(Program& p, ErrorCode code) {
 // "@" number, then count arguments after "; " and between ",".
 StatementPtr ParseGdi(Program& p, const GdiForm& form) {
   if (!p.Accept(tok::kAt)) {
-    SetParseError(55);
+    SetParseError(err::kMissingGdiAt);
     return nullptr;
   }
-  NumericExpPtr number = Expect(p, 56);
+  NumericExpPtr number = Expect(p, err::kMissingGdiNumber);
   if (!number) return nullptr;
   GdiStmt::Args args;
   for (int i = 0; i < form.args; ++i) {
     if (!p.Accept(i == 0 ? tok::kSemicolon : tok::kComma)) {
-      SetParseError(i == 0 ? 41 : 40);
+      SetParseError(i == 0 ? err::kMissingSemicolon : err::kMissingDelimiter);
       return nullptr;
     }
-    if (!(args[i] = Expect(p, 35))) return nullptr;
+    if (!(args[i] = Expect(p, err::kBadNumericExp))) return nullptr;
   }
   return std::make_unique<GdiStmt>(form, std::move(number), std::move(args));
 }
@@ -115,11 +116,11 @@ StatementPtr ParseHide(Program& p) { return ParseGdi(p, kHide); }
 // CLOSE and UPDATE without "@" are the file statements, not built.
 StatementPtr ParseClose(Program& p) {
   if (p.Peek() == tok::kAt) return ParseGdi(p, kCloseGdi);
-  SetParseError(kNotSupported);
+  SetParseError(err::kNotSupported);
   return nullptr;
 }
 StatementPtr ParseUpdate(Program& p) {
   if (p.Peek() == tok::kAt) return ParseGdi(p, kUpdateGdi);
-  SetParseError(kNotSupported);
+  SetParseError(err::kNotSupported);
   return nullptr;
 }
