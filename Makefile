@@ -51,6 +51,7 @@ e2e: build
 terminal: build
 	tests/terminal/editor_tmux.sh $(BUILD)/line_echo
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
+	tests/terminal/history_tmux.sh $(BUILD)/basic
 
 # The example programs' pictures, drawn headless, against their references;
 # real windows on an Xvfb server of the test's own.

@@ -382,6 +382,9 @@ void Console::ApplyAttributes() {
 
 // ---- the rest of the interface ---------------------------------------------------------------
 
+LineHistory& Console::History() { return editor_->History(); }
+bool Console::ReadsKeys() const { return !in_->DeliversLines(); }
+
 int Console::Column() const { return column_; }
 int Console::Width() const { return width_; }
 void Console::SetWidth(int width) { width_ = width; }

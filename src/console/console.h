@@ -10,6 +10,7 @@
 class ConsoleBackend;
 class KeySource;
 class LineEditor;
+class LineHistory;
 
 class Console {
  public:
@@ -50,6 +51,10 @@ class Console {
   // returns its length, or one of the negative results above.
   int ReadLine(char* line);
   int ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds);
+  // The lines read so far, which Up and Down bring back.
+  LineHistory& History();
+  // True when lines are typed key by key (a terminal), not read whole from a pipe.
+  bool ReadsKeys() const;
 
  private:
   enum EscState : uint8_t { kPlain, kAfterEsc, kAfterBracket, kParams, kAddress };

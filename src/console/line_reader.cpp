@@ -17,6 +17,7 @@ void LineEditor::Start(char* line) {
   searching_ = 0;
   pos_ = 0;
   anchor_ = 0;
+  browse_ = history_.Size();
 }
 
 void LineEditor::Append(char c) {
@@ -35,6 +36,32 @@ void LineEditor::CopyOne() {
   unsigned char c = static_cast<unsigned char>(template_[pos_]);
   if (c >= 32 && c <= 127) Append(static_cast<char>(c));
   ++pos_;
+}
+
+void LineEditor::Erase() {
+  if (len_ == 0) return;
+  if (full_) {
+    con_.PutPlain(' ');
+    con_.PutPlain('\b');
+    full_ = false;
+  }
+  --len_;
+  con_.Write("\b \b");
+  if (pos_ > anchor_) --pos_;
+}
+
+void LineEditor::Browse(int step) {
+  size_t next = browse_ + static_cast<size_t>(step);
+  if ((step < 0 && browse_ == 0) || next > history_.Size()) return;
+  // The line being typed is kept while older ones are shown.
+  if (browse_ == history_.Size()) draft_.assign(line_, static_cast<size_t>(len_));
+  browse_ = next;
+  while (len_ > 0) Erase();
+  for (char c : browse_ == history_.Size() ? draft_ : history_.At(browse_)) {
+    auto k = static_cast<unsigned char>(c);
+    if (k >= 32 && k <= 127) Append(c);
+    AdvanceTemplate();
+  }
 }
 
 void LineEditor::Finish(bool keepEmpty) {
@@ -79,6 +106,7 @@ bool LineEditor::Handle(int k) {
     case key::kEnter:
       con_.PutPlain('\n');
       Finish(false);
+      history_.Add(std::string_view(line_, static_cast<size_t>(len_)));
       insert_ = false;
       return true;
     case key::kEscape:
@@ -89,15 +117,13 @@ bool LineEditor::Handle(int k) {
       return false;
     case key::kBackspace:
     case key::kLeft:
-      if (len_ == 0) return false;
-      if (full_) {
-        con_.PutPlain(' ');
-        con_.PutPlain('\b');
-        full_ = false;
-      }
-      --len_;
-      con_.Write("\b \b");
-      if (pos_ > anchor_) --pos_;
+      Erase();
+      return false;
+    case key::kUp:
+      Browse(-1);
+      return false;
+    case key::kDown:
+      Browse(1);
       return false;
     case key::kF1:
     case key::kRight:
@@ -143,6 +169,7 @@ void LineEditor::Enter(const char* text, int n) {
   len_ = n;
   con_.PutPlain('\n');
   Finish(false);
+  history_.Add(std::string_view(line_, static_cast<size_t>(n)));
 }
 
 namespace {

@@ -37,9 +37,10 @@ const std::vector<KeySeq>& TerminfoKeys([[maybe_unused]] int fd) {
     static const struct {
       const char* cap;
       int code;
-    } kCaps[] = {{"kf1", key::kF1},      {"kf2", key::kF2},    {"kf3", key::kF3},
-                 {"kf4", key::kF4},      {"kf5", key::kF5},    {"kcub1", key::kLeft},
-                 {"kcuf1", key::kRight}, {"kich1", key::kIns}, {"kdch1", key::kDel}};
+    } kCaps[] = {{"kf1", key::kF1},    {"kf2", key::kF2},     {"kf3", key::kF3},
+                 {"kf4", key::kF4},    {"kf5", key::kF5},     {"kcub1", key::kLeft},
+                 {"kcuu1", key::kUp},  {"kcud1", key::kDown}, {"kcuf1", key::kRight},
+                 {"kich1", key::kIns}, {"kdch1", key::kDel}};
     for (const auto& c : kCaps) {
       char* s = tigetstr(const_cast<char*>(c.cap));
       if (s && s != reinterpret_cast<char*>(-1) && s[0] == '\x1b' && s[1])
@@ -74,7 +75,8 @@ class TerminalKeys final : public KeySource {
         {"\x1b[[A", key::kF1},   {"\x1b[[B", key::kF2},  {"\x1b[[C", key::kF3},
         {"\x1b[[D", key::kF4},   {"\x1b[[E", key::kF5},  {"\x1b[D", key::kLeft},
         {"\x1b[C", key::kRight}, {"\x1bOD", key::kLeft}, {"\x1bOC", key::kRight},
-        {"\x1b[2~", key::kIns},  {"\x1b[3~", key::kDel},
+        {"\x1b[2~", key::kIns},  {"\x1b[3~", key::kDel}, {"\x1b[A", key::kUp},
+        {"\x1b[B", key::kDown},  {"\x1bOA", key::kUp},   {"\x1bOB", key::kDown},
     };
     for (const KeySeq& k : kFallbacks) seqs_.push_back(k);
   }

@@ -5,8 +5,10 @@
 #include <ctime>
 
 #include "console/console.h"
+#include "console/line_history.h"
 #include "help/help_tree.h"
 #include "platform/break_flag.h"
+#include "shell/history_file.h"
 #include "shell/loader.h"
 #include "shell/program.h"
 #include "shell/run.h"
@@ -87,10 +89,13 @@ class Shell {
   std::unique_ptr<Program> prog_;
   Console& con_;
   time_t started_ = time(nullptr);
+  // Lines typed at a terminal are kept for later sessions; piped ones are not.
+  HistoryFile history_{con_.ReadsKeys() ? HistoryFile::DefaultPath() : ""};
 };
 
 int Shell::Loop() {
   static char line[Console::kLineMax + 1];
+  for (const std::string& earlier : history_.Load()) con_.History().Add(earlier);
   for (;;) {
     int n = con_.ReadLine(line);
     if (n == Console::kBreakRead) {
@@ -103,6 +108,7 @@ int Shell::Loop() {
       return 0;
     }
     if (n < 0) continue;
+    history_.Append(std::string_view(line, static_cast<size_t>(n)));
     if (!Dispatch(line)) return 0;
   }
 }

@@ -30,10 +30,11 @@ wait_for() {
 }
 
 # Runs the program in a fresh pane; the wrapper shell outlives Ctrl+C, then
-# records the exit status and the terminal modes.
+# records the exit status and the terminal modes. The line history goes to a
+# scratch folder, and $tmp/bin comes first in the PATH.
 start_pane() {  # columns rows
   tm new-session -d -s t -x "$1" -y "$2" \
-    "env TERM=xterm sh -c 'trap : INT; \"$bin\"; echo \"status \$?\"; stty -a > \"$tmp/stty\"; echo STTY-DONE; sleep 30'"
+    "env -u BASIC_HISTORY TERM=xterm XDG_STATE_HOME=\"$tmp/state\" PATH=\"$tmp/bin:$PATH\" sh -c 'trap : INT; \"$bin\"; echo \"status \$?\"; stty -a > \"$tmp/stty\"; echo STTY-DONE; sleep 30'"
 }
 
 # After the program ended: status 0, canonical input and echo back on.

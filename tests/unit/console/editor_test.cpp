@@ -114,6 +114,32 @@ TEST_F(EditorTest, BackspaceRemovesAndStepsTemplateBack) {
   EXPECT_EQ(screen->Row(2), "Z");
 }
 
+TEST_F(EditorTest, UpAndDownBringBackEarlierLines) {
+  EXPECT_EQ(Read({key::kUp, key::kDown}), "");  // nothing to bring back yet
+  Enter("LIST 10");
+  Enter("RUN");
+  Enter("RUN");  // a repeat is kept once
+  EXPECT_EQ(Read({key::kUp, key::kUp, key::kUp}), "LIST 10");
+  EXPECT_EQ(screen->Row(4), "LIST 10");  // the shorter line left no trace
+  EXPECT_EQ(Read({key::kUp, key::kUp, key::kDown}), "LIST 10");
+  // The line being typed comes back below the newest one.
+  EXPECT_EQ(Enter("PRI", {key::kUp, key::kUp, key::kDown, key::kDown, 'N'}), "PRIN");
+  // A line brought back is typed over the template: F3 copies what lies beyond it.
+  Enter("RUN 100");
+  EXPECT_EQ(Read({key::kUp, key::kUp, key::kF3}), "PRIN100");
+  EXPECT_EQ(Read({key::kUp, key::kBackspace, key::kBackspace, key::kF3}), "PRIN100");
+}
+
+TEST(LineHistory, KeepsTheNewestLines) {
+  LineHistory history;
+  for (int i = 0; i < 1005; ++i) history.Add(std::to_string(i));
+  history.Add("1004");
+  history.Add("");
+  ASSERT_EQ(history.Size(), LineHistory::kMaxLines);
+  EXPECT_EQ(history.At(0), "5");
+  EXPECT_EQ(history.At(999), "1004");
+}
+
 TEST_F(EditorTest, FullLineRingsBellOnce) {
   std::string out;
   Console streamed(MakeStringBackend(&out), std::make_unique<ScriptedKeys>(&keys));
