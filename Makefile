@@ -47,6 +47,7 @@ unit: build
 e2e: build
 	tests/run_e2e.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
+	tests/examples.sh $(BUILD)/basic
 
 terminal: build
 	tests/terminal/editor_tmux.sh $(BUILD)/line_echo
