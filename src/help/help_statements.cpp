@@ -144,7 +144,7 @@ constexpr const char* kLet[] = {
 constexpr const char* kLineTo[] = {
     "LINETO @<gdiNumber>; <x>,<y>",
     "Draws a line from the pen position to x,y, which becomes the pen",
-    "position. Nothing shows until UPDATE.",
+    "position; the end point itself is not drawn. UPDATE shows it.",
 };
 constexpr HelpLine kLock{"LOCK #<fileNumber> - Accepted; files are not shared."};
 constexpr const char* kLinput[] = {
