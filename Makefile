@@ -5,15 +5,17 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 ARGS       ?=
+PREFIX     ?= /usr/local
+DESTDIR    ?=
 
 # Debian packages: what the build needs, and what the tests need.
 BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
-TEST_PKGS  := libgtest-dev tmux xvfb x11-apps xdotool libx11-dev
+TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps peers build unit e2e terminal gdi asan bench format clean
+.PHONY: all run test deps peers build unit e2e terminal gdi asan bench docs install format clean
 
 all: build
 
@@ -67,7 +69,7 @@ asan: deps
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
 	ASAN_OPTIONS=detect_leaks=1 tests/run_e2e.sh $(ASAN_BUILD)/basic
 
-test: unit e2e terminal gdi asan
+test: unit e2e terminal gdi docs asan
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
@@ -88,6 +90,22 @@ bench: deps peers
 	cmake --build build-bench -j$(JOBS)
 	build-bench/basic_bench
 	bench/compare.sh build-bench/basic
+
+# Installs the interpreter and its manual page under $(DESTDIR)$(PREFIX).
+install: build
+	install -d "$(DESTDIR)$(PREFIX)/bin" "$(DESTDIR)$(PREFIX)/share/man/man1"
+	install -m 755 $(BUILD)/basic "$(DESTDIR)$(PREFIX)/bin/basic"
+	install -m 644 docs/basic.1 "$(DESTDIR)$(PREFIX)/share/man/man1/basic.1"
+
+# The manual page renders without a warning, and an install into a scratch folder has both files.
+docs: build
+	@warnings=$$(groff -ww -man -z docs/basic.1 2>&1); \
+	  if [ -n "$$warnings" ]; then echo "$$warnings"; exit 1; fi
+	@dest=$$(mktemp -d); trap 'rm -rf "$$dest"' EXIT; \
+	  $(MAKE) --no-print-directory install DESTDIR="$$dest" PREFIX=/usr >/dev/null && \
+	  test -x "$$dest/usr/bin/basic" && test -f "$$dest/usr/share/man/man1/basic.1" && \
+	  "$$dest/usr/bin/basic" --version >/dev/null && \
+	  echo "docs: manual page renders cleanly; install puts bin/basic and man1/basic.1"
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
