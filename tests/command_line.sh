@@ -21,9 +21,10 @@ expect() {  # name expected-status expected-output command...
   fi
 }
 
-usage="Usage: basic [<program file>]
+usage="Usage: basic [--classic] [<program file>]
 Without a file, basic starts its interactive shell: type HELP there.
 With one, it loads, links and runs the program, then exits.
+  --classic     A\$[s]=X gives A\$ the length s-1+LEN(X), as classic systems do
   -h, --help    show this text
   --version     show the version
 See basic(1) for the shell commands, the line editor and the files."
@@ -40,6 +41,11 @@ Velo Basic V0.94.0.154 for POSIX terminals
 Structured HP 2000 BASIC with graphics windows
 
 Unable to open -x." "$basic" -x
+
+# --classic changes the length a first-position substring store leaves.
+printf '10 A$="ABCDEFG"\n20 A$[3]="XY"\n30 PRINT A$;"|"\n' >"$work/classic.bas"
+expect "default substring store" 0 "ABXYE|" "$basic" "$work/classic.bas"
+expect "--classic substring store" 0 "ABXY|" "$basic" --classic "$work/classic.bas"
 
 # A script made executable runs through /usr/bin/env; its line numbers are the file's.
 mkdir "$work/bin"

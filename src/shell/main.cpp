@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/dialect.h"
 #include "console/console.h"
 #include "gdi/gdi.h"
 #include "platform/break_handler.h"
@@ -10,9 +11,10 @@
 namespace {
 
 constexpr const char* kUsage =
-    "Usage: basic [<program file>]\n"
+    "Usage: basic [--classic] [<program file>]\n"
     "Without a file, basic starts its interactive shell: type HELP there.\n"
     "With one, it loads, links and runs the program, then exits.\n"
+    "  --classic     A$[s]=X gives A$ the length s-1+LEN(X), as classic systems do\n"
     "  -h, --help    show this text\n"
     "  --version     show the version\n"
     "See basic(1) for the shell commands, the line editor and the files.\n";
@@ -20,6 +22,11 @@ constexpr const char* kUsage =
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc >= 2 && !std::strcmp(argv[1], "--classic")) {
+    g_classic = true;
+    --argc;
+    ++argv;
+  }
   // Answered before the console takes the terminal.
   if (argc == 2 && (!std::strcmp(argv[1], "-h") || !std::strcmp(argv[1], "--help"))) {
     std::fputs(kUsage, stdout);

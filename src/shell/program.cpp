@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "expr/numeric_exp.h"
+#include "stmt/parsers.h"
 #include "stmt/simple_stmts.h"
 
 void TargetLabel::List(std::string& out) const {
@@ -151,6 +152,13 @@ std::vector<StatementPtr> Program::ParseLine() {
   if (failed) {
     line.clear();
     stmt.reset();
+    // "REMARKS: ..." fails as a label and a statement; old listings mean a remark.
+    Restore(start);
+    if (StatementPtr remark = ParseRemWord(*this)) {
+      SetParseError(0);
+      line.push_back(std::move(remark));
+      return line;
+    }
     ErrorCode error = g_err.parse > err::kEndOfLine ? g_err.parse : err::kBadLine;
     SetParseError(error);
     line.push_back(std::make_unique<InvalidStmt>(raw, error));

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "base/dialect.h"
 #include "console/console.h"
 #include "console/line_history.h"
 #include "help/help_tree.h"
@@ -33,6 +34,7 @@ enum Command : unsigned {
   kCls = 0x10e,
   kWidth = 0x10f,
   kTest = 0x110,
+  kClassic = 0x111,
 };
 
 struct CommandRow {
@@ -44,7 +46,7 @@ constexpr CommandRow kCommands[] = {
     {"LIST", kList}, {"NEW", kNew},   {"SCR", kNew},     {"RUN", kRun},   {"BYE", kBye},
     {"EXIT", kBye},  {"QUIT", kBye},  {"PRINT", kPrint}, {"GET", kGet},   {"LEN", kLen},
     {"DEL", kDel},   {"SAVE", kSave}, {"DUMP", kDump},   {"SYMS", kSyms}, {"LABELS", kLabels},
-    {"HELP", kHelp}, {"CLS", kCls},   {"WIDTH", kWidth}, {"TEST", kTest},
+    {"HELP", kHelp}, {"CLS", kCls},   {"WIDTH", kWidth}, {"TEST", kTest}, {"CLASSIC", kClassic},
 };
 
 unsigned CommandOf(std::string_view word) {
@@ -82,6 +84,7 @@ class Shell {
   void Dump();
   void Labels();
   void Width();
+  void Classic();
   void NewProgram(std::unique_ptr<Program> prog);
   // Reads "[start [end]]"; false after printing the range message.
   bool Range(uint32_t* start, uint32_t* end);
@@ -166,6 +169,9 @@ bool Shell::Dispatch(const char* line) {
       break;
     case kWidth:
       Width();
+      break;
+    case kClassic:
+      Classic();
       break;
     default:
       con_.Write("???\n");
@@ -445,6 +451,22 @@ void Shell::Width() {
     return;
   }
   con_.Write("\nWidth <# of chars> 1 - 255, 0 = unlimited.\n");
+}
+
+// CLASSIC shows the switch; CLASSIC ON and CLASSIC OFF set it.
+void Shell::Classic() {
+  TokenCode code = prog_->GetToken();
+  if (code == tok::kEndOfLine) {
+    con_.Printf("Classic is %s\n", g_classic ? "ON" : "OFF");
+    return;
+  }
+  std::string_view word = prog_->Text();
+  bool on = SameName("ON", word), off = SameName("OFF", word);
+  if ((on || off) && prog_->GetToken() == tok::kEndOfLine) {
+    g_classic = on;
+    return;
+  }
+  con_.Write("\nClassic ON or OFF.\n");
 }
 
 }  // namespace

@@ -82,7 +82,16 @@ StatementPtr ParseStatement(Program& p) {
   TokenCode code = p.GetToken();
   if (tok::Category(code) != tok::kStatement) {
     p.BackUp();
-    return ParseImpliedLet(p);
+    if (StatementPtr go = ParseClassicGo(p)) return go;
+    if (StatementPtr let = ParseImpliedLet(p)) return let;
+    // A word that fails as an assignment and begins with REM is a remark.
+    ErrorCode error = g_err.parse;
+    if (StatementPtr remark = ParseRemWord(p)) {
+      SetParseError(0);
+      return remark;
+    }
+    SetParseError(error);
+    return nullptr;
   }
   const KeywordStmtRow* row = StatementRowOf(code);
   if (!row || !row->parse) {

@@ -54,9 +54,9 @@ StatementPtr ParseOn(Program& p) {
     return nullptr;
   }
   JumpKind kind;
-  if (p.Accept(tok::kGoto)) {
+  if (AcceptGo(p, tok::kGoto)) {
     kind = JumpKind::kGoto;
-  } else if (p.Accept(tok::kGosub)) {
+  } else if (AcceptGo(p, tok::kGosub)) {
     kind = JumpKind::kGosub;
   } else if (p.Accept(tok::kRestore)) {
     kind = JumpKind::kRestore;

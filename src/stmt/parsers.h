@@ -69,3 +69,9 @@ StatementPtr ParseLineTo(Program& p);
 StatementPtr ParseUpdate(Program& p);
 StatementPtr ParseShow(Program& p);
 StatementPtr ParseHide(Program& p);
+
+// classic.cpp: the spellings of old listings.
+// Consumes the keyword, or GO and TO (kGoto) or GO and SUB (kGosub) in two words.
+bool AcceptGo(Program& p, TokenCode keyword);
+StatementPtr ParseClassicGo(Program& p);  // GO TO or GO SUB at a statement's start
+StatementPtr ParseRemWord(Program& p);    // REM run into its remark: REMARK ...

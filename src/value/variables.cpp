@@ -3,6 +3,7 @@
 #include <cmath>
 #include <new>
 
+#include "base/dialect.h"
 #include "shell/program.h"
 
 namespace {
@@ -247,8 +248,9 @@ void StringSubVar::Assign(std::string_view text) {
   auto s = static_cast<uint64_t>(start);
   if (limit_->form() == StringLimit::kFirst) {
     // The length ends one past the copied text: the character the buffer already
-    // held there becomes the last one. This off-by-one is the form's defined result.
-    uint64_t m = s + text.size();
+    // held there becomes the last one. This off-by-one is the form's defined result;
+    // the classic language ends the string with the copied text.
+    uint64_t m = s + text.size() - (g_classic ? 1 : 0);
     if (m > kMaxStringLength) {
       SetRunError(err::kStringOverflow);
       return;

@@ -1,0 +1,6 @@
+// Switches between this interpreter's own language and the classic one that
+// old programs were written for; set from the command line or the shell.
+#pragma once
+
+// --classic or CLASSIC ON: A$[s]=X leaves A$ exactly s-1+LEN(X) long.
+inline bool g_classic = false;

@@ -1,0 +1,54 @@
+// The spellings of old listings and the classic substring store.
+#include "base/dialect.h"
+#include "program_fixture.h"
+
+namespace {
+
+using namespace stmt_test;
+
+TEST(ClassicSpellings, GoWordsListAsOneKeyword) {
+  EXPECT_EQ(Listing("GO TO 100"), "GOTO 100");
+  EXPECT_EQ(Listing("go  sub 100"), "GOSUB 100");
+  EXPECT_EQ(Listing("GO TO X OF 10,20"), "GOTO X OF 10,20");
+  EXPECT_EQ(Listing("ON X GO TO 10,20"), "ON X GOTO 10,20");
+  EXPECT_EQ(Listing("ON X GO SUB 10 ELSE 30"), "ON X GOSUB 10 ELSE 30");
+  EXPECT_EQ(Listing("IF X THEN GO TO 10"), "IF X THEN GOTO 10");
+}
+
+TEST(ClassicSpellings, GoStaysAVariableElsewhere) {
+  EXPECT_EQ(Listing("GO=5"), "GO=5");
+  EXPECT_EQ(Listing("FOR I=GO TO 10"), "FOR I=GO TO 10");
+  EXPECT_EQ(Listing("PRINT GO"), "PRINT GO");
+  EXPECT_NE(ParseErrorOf("GO 100"), 0u);
+  EXPECT_NE(ParseErrorOf("GO SUBS 100"), 0u);
+}
+
+TEST(ClassicSpellings, RemRunIntoItsText) {
+  EXPECT_EQ(Listing("REMARK"), "REM ARK");
+  EXPECT_EQ(Listing("REMARKS: FIRST  PART"), "REM ARKS: FIRST  PART");
+  EXPECT_EQ(ParseErrorOf("FIN: REMark"), 0u);
+  // A word that is a good assignment stays one; REM and a digit is no remark.
+  EXPECT_EQ(Listing("REMAINDER=5"), "REMAINDER=5");
+  EXPECT_NE(ParseErrorOf("REM1 X"), 0u);
+  EXPECT_EQ(Listing("REM  X"), "REM X");
+}
+
+std::string StoreFirst(const char* value, const char* store) {
+  auto prog = Build({value, store});
+  ConsoleCapture out;
+  EXPECT_EQ(LinkAndRun(*prog), 0u);
+  return Str(*prog, "A$");
+}
+
+TEST(ClassicSubstring, FirstPositionStoreLength) {
+  EXPECT_EQ(StoreFirst("10 A$=\"ABCDEFG\"", "20 A$[2]=\"Z\""), "AZC");
+  g_classic = true;
+  EXPECT_EQ(StoreFirst("10 A$=\"ABCDEFG\"", "20 A$[2]=\"Z\""), "AZ");
+  EXPECT_EQ(StoreFirst("10 A$=\"ABC\"", "20 A$[4]=\"DE\""), "ABCDE");
+  EXPECT_EQ(StoreFirst("10 A$=\"ABC\"", "20 A$[1]=\"\""), "");
+  // The other forms do not change.
+  EXPECT_EQ(StoreFirst("10 A$=\"ABCDE\"", "20 A$[2,3]=\"X\""), "AX DE");
+  g_classic = false;
+}
+
+}  // namespace
