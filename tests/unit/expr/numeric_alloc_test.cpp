@@ -1,16 +1,20 @@
 // Evaluating a linked expression tree must not allocate. This file replaces the
-// global allocation functions of the test binary with counting ones.
+// global allocation functions of the test binary with counting ones, which
+// other tests read through alloc_count.h.
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
 
+#include "alloc_count.h"
 #include "numeric_test_util.h"
 
 namespace {
 std::atomic<long> g_allocations{0};
 }  // namespace
+
+long AllocationCount() { return g_allocations.load(); }
 
 void* operator new(std::size_t size) {
   g_allocations.fetch_add(1, std::memory_order_relaxed);

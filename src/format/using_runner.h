@@ -1,0 +1,63 @@
+// Runs an IMAGE format over the values of one PRINT USING and builds the
+// line in a buffer that is kept from line to line.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "format/image_format.h"
+
+// A value handed to a field: a number, or text.
+struct FieldValue {
+  bool isText = false;
+  float number = 0;
+  std::string_view text;  // valid until the next value is taken
+};
+
+// The values of one PRINT USING, taken in order; each is evaluated when taken.
+class UsingValues {
+ public:
+  virtual ~UsingValues() = default;
+  virtual bool Remains() const = 0;
+  virtual FieldValue Take() = 0;
+};
+
+class FormatRunner final {
+ public:
+  // The longest line: that of the longest string. A longer one is dropped.
+  static constexpr size_t kMaxLine = 0x7FFFFFF;
+  static constexpr ErrorCode kLineOverflow = 1018;  // "String overflow"
+
+  explicit FormatRunner(size_t maxLine = kMaxLine) : maxLine_(maxLine) {}
+
+  // Builds the line, line ending included. On an error the line holds what
+  // came before the failing item and no ending (nothing after an overflow).
+  ErrorCode Run(const ImageFormat& format, UsingValues& values);
+  std::string_view Line() const { return line_; }
+  // Gives back a buffer that an unusually long line made large.
+  void Trim();
+  size_t Size() const { return line_.capacity() + frames_.capacity() * sizeof(Frame); }
+
+ private:
+  // An open group: how often its items are still to run, and the line and
+  // value count when its current round began.
+  struct Frame {
+    uint32_t remaining;
+    uint32_t taken;
+    size_t lineStart;
+  };
+
+  ErrorCode Pass(const ImageFormat& format, UsingValues& values);
+  bool Room(size_t n) const { return n <= maxLine_ - line_.size(); }
+  bool Fill(char c, size_t n);
+  bool Pad(std::string_view text, size_t extraZeros, const FormatItem& field);
+  bool Numeric(float value, const FormatItem& field);
+  bool Text(std::string_view text, const FormatItem& field);
+  bool Repeat(size_t start, uint32_t times);
+
+  std::string line_;
+  std::vector<Frame> frames_;
+  uint32_t taken_ = 0;  // values taken so far in this run
+  size_t maxLine_;
+};
