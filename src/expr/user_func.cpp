@@ -180,7 +180,7 @@ class UserCall final {
   }
 
   ErrorCode Link(Program& prog) {
-    active_ = 0;  // a run that ended in 1010 left it raised
+    active_ = 0;  // every run starts with no call active
     auto found = std::find_if(prog.functions.begin(), prog.functions.end(),
                               [this](const FuncSpec* f) { return f->Name() == name_; });
     if (found == prog.functions.end()) return err::kUndefinedFunction;
@@ -196,10 +196,11 @@ class UserCall final {
   // Reserves the frame and stores the arguments, evaluated in the caller's
   // frame; false (with 1010 raised) when this call site is already active.
   bool Enter(Saved* saved) {
-    if (++active_ >= 2) {
-      SetRunError(err::kRecursion);  // left raised: the error ends the run
+    if (active_ != 0) {
+      SetRunError(err::kRecursion);  // the error ends the run; the site stays as it was
       return false;
     }
+    ++active_;
     *saved = {prog_.numTop, prog_.strTop, prog_.numBase, prog_.strBase};
     const ParameterSpec& params = spec_->Params();
     size_t numFrame = prog_.numTop, strFrame = prog_.strTop;

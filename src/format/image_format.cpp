@@ -4,11 +4,6 @@
 
 namespace {
 
-constexpr ErrorCode kBadReplicator = 4001;  // "Replicator zero to too large"
-constexpr ErrorCode kNoReplicator = 4002;   // "Missing Replicator"
-constexpr ErrorCode kBadCharacter = 4003;   // "Illegal character in format"
-constexpr ErrorCode kBadLiteral = 4009;     // "Invalid literal string"
-
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 bool IsLetter(char c) { return Lower(c) >= 'a' && Lower(c) <= 'z'; }
@@ -23,7 +18,7 @@ class ImageFormat::Reader final {
 
   void ReadAll() {
     if (text_.size() > kMaxText) {
-      Fail(kBadCharacter);
+      Fail(err::kBadFormatChar);
       return;
     }
     ReadEnding();
@@ -104,7 +99,7 @@ class ImageFormat::Reader final {
       pos_ = start;
       return Field();
     }
-    if (c == '(') return Fail(kNoReplicator);
+    if (c == '(') return Fail(err::kMissingReplicator);
     if (c == '"' || c == '\'') return Literal();
     if (c == '/') {
       ++pos_;
@@ -116,7 +111,7 @@ class ImageFormat::Reader final {
 
   // count "(": the group's items follow, up to its ")".
   Step OpenGroup(uint32_t count) {
-    if (count < 1 || count > 255) return Fail(kBadReplicator);
+    if (count < 1 || count > 255) return Fail(err::kBadReplicator);
     ++pos_;
     open_.push_back(static_cast<uint32_t>(f_.items_.size()));
     Emit({FormatItem::kGroup, 0, 0, -1, count});
@@ -137,16 +132,16 @@ class ImageFormat::Reader final {
       char c = Peek();
       if (c == '"') {
         size_t close = text_.find('"', pos_ + 1);
-        if (close == std::string_view::npos) return Fail(kBadLiteral);
+        if (close == std::string_view::npos) return Fail(err::kBadLiteral);
         std::string_view piece = text_.substr(pos_ + 1, close - pos_ - 1);
-        if (piece.find('\n') != std::string_view::npos) return Fail(kBadLiteral);
+        if (piece.find('\n') != std::string_view::npos) return Fail(err::kBadLiteral);
         f_.pool_ += piece;
         pos_ = close + 1;
       } else if (c == '\'') {
         ++pos_;
-        if (!IsDigit(Peek())) return Fail(kBadLiteral);
+        if (!IsDigit(Peek())) return Fail(err::kBadLiteral);
         uint32_t code = Number(256);
-        if (code > 255) return Fail(kBadLiteral);
+        if (code > 255) return Fail(err::kBadLiteral);
         f_.pool_ += static_cast<char>(code);
       } else {
         break;
@@ -188,7 +183,7 @@ class ImageFormat::Reader final {
         item.kind = FormatItem::kBlanks;
         break;
       default:
-        if (!AtEnd() && !IsLetter(Peek())) return Fail(kBadCharacter);
+        if (!AtEnd() && !IsLetter(Peek())) return Fail(err::kBadFormatChar);
         // Another letter, or the end of the text, ends this run of the format.
         if (open_.empty()) {
           Emit({FormatItem::kEnd});

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "shell/errors.h"
+#include "base/errors.h"
 
 struct FormatItem {
   enum Kind : uint8_t {

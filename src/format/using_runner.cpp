@@ -43,7 +43,7 @@ ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values) {
   for (;;) {
     uint32_t before = taken_;
     if (ErrorCode code = Pass(format, values)) {
-      if (code == kLineOverflow) line_.clear();
+      if (code == err::kStringOverflow) line_.clear();
       return code;
     }
     // Values left over run the format again, unless a whole pass took none.
@@ -53,7 +53,7 @@ ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values) {
   std::string_view ending = kEndings[format.LineEnding()];
   if (!Room(ending.size())) {
     line_.clear();
-    return kLineOverflow;
+    return err::kStringOverflow;
   }
   line_ += ending;
   return 0;
@@ -124,7 +124,7 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
         break;
       }
     }
-    if (!fits) return kLineOverflow;
+    if (!fits) return err::kStringOverflow;
   }
 }
 

@@ -27,7 +27,6 @@ class FormatRunner final {
  public:
   // The longest line: that of the longest string. A longer one is dropped.
   static constexpr size_t kMaxLine = 0x7FFFFFF;
-  static constexpr ErrorCode kLineOverflow = 1018;  // "String overflow"
 
   explicit FormatRunner(size_t maxLine = kMaxLine) : maxLine_(maxLine) {}
 

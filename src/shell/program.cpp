@@ -84,6 +84,11 @@ void Program::InsertTyped(std::vector<StatementPtr> line) {
   linksCurrent_ = false;
 }
 
+void Program::Forget(Statement* stmt) {
+  if (stmt->ParseError()) --badLines_;
+  data.Forget(stmt);
+}
+
 void Program::Delete(Statement* stmt) {
   if (!stmt || stmt == endMark_) return;
   Unindex(stmt);
@@ -92,11 +97,11 @@ void Program::Delete(Statement* stmt) {
     Statement* next = stmt->Next();
     if (!next || next == endMark_) break;
     more = next->Followed();
-    if (next->ParseError()) --badLines_;
+    Forget(next);
     next->Unlink();
     delete next;
   }
-  if (stmt->ParseError()) --badLines_;
+  Forget(stmt);
   stmt->Unlink();
   delete stmt;
   linksCurrent_ = false;

@@ -80,6 +80,10 @@ struct DataReader {
   DataStmt* current = nullptr;
   const DataItem* item = nullptr;  // next item to read; null when exhausted
   Statement* endTarget = nullptr;  // ON END THEN target, or null
+
+  // stmt is about to be deleted: a position in it moves to the first DATA
+  // statement after it, so that TYP never reads a deleted item (data.cpp).
+  void Forget(Statement* stmt);
 };
 
 // The run state of a running program.
@@ -176,6 +180,7 @@ class Program final : public Tokenizer {
   size_t deadTargets_ = 0;
   void Index(Statement* head);
   void Unindex(Statement* head);
+  void Forget(Statement* stmt);  // drops what refers to a statement about to go
   std::vector<std::unique_ptr<TargetLabel>> targets_;
   BaseList_T<Reference, false> references_;
   std::vector<std::unique_ptr<NumericSimpleData>> numSimple_;  // by symbol ordinal

@@ -29,21 +29,15 @@ ErrorCode Link(Program& prog) {
   prog.ClearStorage();
   ClearError();
   SetErrorFile(nullptr);  // link errors name no file
-  for (const auto& target : prog.Targets()) target->resolved = nullptr;
+  BindTargets(prog);
 
-  // Bad lines stop the link; numbers and labels resolve their references.
+  // Bad lines and labels defined twice stop the link.
   std::unordered_set<std::string> labels;
   for (Statement* s = prog.First(); s; s = s->Next()) {
     if (ErrorCode code = s->ParseError()) return Raise(code, s->Location());
-    if (uint32_t number = s->Number()) {
-      TargetLabel* target = prog.FindTarget(number);
-      if (target && !target->resolved) target->resolved = s;
-    }
-    if (const char* label = s->Label()) {
+    if (const char* label = s->Label())
       if (!labels.insert(LowerName(label)).second)
         return Raise(err::kDuplicateLabel, s->Location());
-      if (TargetLabel* target = prog.FindTarget(std::string_view(label))) target->resolved = s;
-    }
   }
 
   // Successors, walked backwards so that runs of non-executing lines cost nothing.
@@ -67,6 +61,20 @@ ErrorCode Link(Program& prog) {
   ReseedRandom();
   prog.SetLinksCurrent();
   return 0;
+}
+
+void BindTargets(Program& prog) {
+  for (const auto& target : prog.Targets()) target->resolved = nullptr;
+  for (Statement* s = prog.First(); s; s = s->Next()) {
+    if (uint32_t number = s->Number()) {
+      TargetLabel* target = prog.FindTarget(number);
+      if (target && !target->resolved) target->resolved = s;
+    }
+    if (const char* label = s->Label()) {
+      TargetLabel* target = prog.FindTarget(std::string_view(label));
+      if (target && !target->resolved) target->resolved = s;
+    }
+  }
 }
 
 ErrorCode Run(Program& prog, bool keepsProgram) {

@@ -7,6 +7,9 @@ class Program;
 // Resets the run-time state and binds every reference; 0 or the first error,
 // with its location set.
 ErrorCode Link(Program& prog);
+// Points every statement reference at the statement that now carries its
+// number or label; immediate statements use it on a program edited since.
+void BindTargets(Program& prog);
 // Runs a linked program to its end. 0 when it ended by END, STOP or its end
 // mark, else the error that ended it. keepsProgram is false for programs run
 // from a file, whose errors then name the file.

@@ -266,6 +266,9 @@ void Shell::ImmediatePrint() {
     con_.Write("NO PROGRAM RUN\n");
     return;
   }
+  // The error a failed run left is reported after this PRINT's values, once.
+  ErrorCode left = g_err.run;
+  SetRunError(0);
   SetParseError(0);
   Reference* lastRef = prog_->References().Last();
   StatementPtr stmt = ParsePrint(*prog_);
@@ -274,14 +277,18 @@ void Shell::ImmediatePrint() {
     SetParseError(err::kTrailingChars);
   }
   if (stmt) {
+    BindTargets(*prog_);
+    if (ErrorCode code = stmt->Resolve(*prog_)) SetRunError(code);
     for (Reference* r = lastRef ? lastRef->Next() : prog_->References().First(); r; r = r->Next())
-      if (ErrorCode code = r->Link(*prog_)) SetRunError(code);
+      if (ErrorCode code = r->Link(*prog_); code && !g_err.run) SetRunError(code);
     if (!g_err.run) stmt->Execute();
   }
   if (g_err.parse)
     con_.Printf("%s\n", MessageOf(g_err.parse));
   else if (g_err.run)
     con_.Printf("%s\n", MessageOf(g_err.run));
+  else if (left)
+    con_.Printf("%s\n", MessageOf(left));
   stmt.reset();
   SetParseError(0);
   ClearError();

@@ -79,6 +79,13 @@ class DataStmt final : public Statement {
   DataStmt* next_ = nullptr;
 };
 
+void DataReader::Forget(Statement* stmt) {
+  if (stmt != current) return;
+  current = nullptr;
+  item = nullptr;
+  if (Statement* next = stmt->Next()) next->RestoreHere();
+}
+
 namespace {
 
 class ReadDataStmt final : public Statement {

@@ -31,7 +31,7 @@ constexpr KeywordStmtRow kStatementTable[] = {
     {tok::kConvert, nullptr, kUnsupported},
     {tok::kChain, nullptr, kUnsupported},
     {tok::kSpawn, nullptr, kUnsupported},
-    {tok::kImage, nullptr, kInert | kUnsupported},
+    {tok::kImage, ParseImage, kInert},
     {tok::kCom, nullptr, kInert | kUnsupported},
     {tok::kElse, ParseElse, kBlock},
     {tok::kEndIf, ParseEndIf, kBlock},

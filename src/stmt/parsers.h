@@ -28,7 +28,9 @@ bool RefusedAfterThen(TokenCode keyword);
 StatementPtr ParseLet(Program& p);         // assign.cpp
 StatementPtr ParseImpliedLet(Program& p);  // assign.cpp: a line without keyword
 StatementPtr ParsePrint(Program& p);       // print.cpp
-StatementPtr ParseIf(Program& p);          // if.cpp
+StatementPtr ParsePrintUsing(Program& p);  // print_using.cpp: after PRINT USING
+StatementPtr ParseImage(Program& p);
+StatementPtr ParseIf(Program& p);  // if.cpp
 StatementPtr ParseElse(Program& p);
 StatementPtr ParseEndIf(Program& p);
 StatementPtr ParseFor(Program& p);  // for_next.cpp

@@ -48,10 +48,7 @@ class PrintConsoleListStmt final : public PrintStmt {
 StatementPtr ParsePrint(Program& p) {
   TokenCode next = p.Peek();
   if (next == tok::kEndOfLine || next == tok::kComment) return std::make_unique<PrintConsoleStmt>();
-  if (next == tok::kUsing) {
-    SetParseError(err::kNotSupported);  // PRINT USING comes with IMAGE formats
-    return nullptr;
-  }
+  if (p.Accept(tok::kUsing)) return ParsePrintUsing(p);
   PrintSpecPtr items, end;
   if (!ParsePrintList(p, &items, &end)) return nullptr;
   return std::make_unique<PrintConsoleListStmt>(std::move(items), std::move(end));

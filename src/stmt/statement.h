@@ -8,6 +8,7 @@
 #include "base/errors.h"
 #include "lex/token.h"
 
+class ImageFormat;
 class Program;
 class TargetLabel;
 
@@ -65,6 +66,8 @@ class Statement : public BaseNode_T<Statement> {
   virtual ErrorCode Check(Program&) { return 0; }
   // The error a bad line keeps.
   virtual ErrorCode ParseError() const { return 0; }
+  // The format of an IMAGE statement, or null.
+  virtual const ImageFormat* Image() const { return nullptr; }
   // How this statement answers a block search asked by `asker`.
   virtual SearchAnswer Answer(Search, Statement* /*asker*/) { return {SearchAnswer::kPass}; }
   // Asks the statements after this one, in a loop, until one answers; null

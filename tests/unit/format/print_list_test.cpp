@@ -79,7 +79,6 @@ TEST(PrintList, Listing) {
 }
 
 TEST(PrintList, ParseErrors) {
-  EXPECT_EQ(ParseErrorOf("PRINT USING 100"), 4u);
   EXPECT_EQ(ParseErrorOf("PRINT ,"), 37u);
   EXPECT_EQ(ParseErrorOf("PRINT A,,B"), 37u);
   EXPECT_EQ(ParseErrorOf("PRINT TAB 5"), 28u);

@@ -151,21 +151,21 @@ TEST(UsingFormat, ErrorsStopTheLineAtOnce) {
     ErrorCode code;
   };
   for (const Case& c : {
-           Case{"2d,0(d),2d", " 1", 4001},
-           Case{"2d,256(d)", " 1", 4001},
-           Case{"99999999999999999999(d)", "", 4001},
-           Case{"2d,(d)", " 1", 4002},
-           Case{"2(d)(d)", "12", 4002},
-           Case{"2d,?", " 1", 4003},
-           Case{"2d,)", " 1", 4003},
-           Case{"2d,8 d", " 1", 4003},
-           Case{"---2d", "", 4003},  // the "-" control, a "-" flag and a third "-"
-           Case{"2d,\"ok\",'300,2d", " 1ok", 4009},
-           Case{"2d,'999", " 1", 4009},
-           Case{"2d,'", " 1", 4009},
-           Case{"2d,\"open", " 1", 4009},
-           Case{"2d,\"a\nb\"", " 1", 4009},
-           Case{"2(2d,'256)", " 1", 4009},
+           Case{"2d,0(d),2d", " 1", err::kBadReplicator},
+           Case{"2d,256(d)", " 1", err::kBadReplicator},
+           Case{"99999999999999999999(d)", "", err::kBadReplicator},
+           Case{"2d,(d)", " 1", err::kMissingReplicator},
+           Case{"2(d)(d)", "12", err::kMissingReplicator},
+           Case{"2d,?", " 1", err::kBadFormatChar},
+           Case{"2d,)", " 1", err::kBadFormatChar},
+           Case{"2d,8 d", " 1", err::kBadFormatChar},
+           Case{"---2d", "", err::kBadFormatChar},  // the "-" control, a "-" flag and a third "-"
+           Case{"2d,\"ok\",'300,2d", " 1ok", err::kBadLiteral},
+           Case{"2d,'999", " 1", err::kBadLiteral},
+           Case{"2d,'", " 1", err::kBadLiteral},
+           Case{"2d,\"open", " 1", err::kBadLiteral},
+           Case{"2d,\"a\nb\"", " 1", err::kBadLiteral},
+           Case{"2(2d,'256)", " 1", err::kBadLiteral},
        }) {
     Result r = Format(c.format, {1.0f, 2.0f, 3.0f});
     EXPECT_EQ(r.code, c.code) << c.format;
@@ -200,7 +200,7 @@ TEST(UsingFormat, HostileFormatsRunInBoundedTimeAndOutput) {
   EXPECT_EQ(blanks.line.size(), 255u * 255 * 255 + 2);
   // Nested five deep, with a literal: 2 * 255^5 characters are refused whole.
   Result huge = Format("255(255(255(255(255(\"ab\")))))");
-  EXPECT_EQ(huge.code, FormatRunner::kLineOverflow);
+  EXPECT_EQ(huge.code, err::kStringOverflow);
   EXPECT_EQ(huge.line, "");
   // A group that ends early takes no value either.
   EXPECT_EQ(Line("255(255(255(255(q,d))))", {1.0f}), "");
@@ -216,23 +216,23 @@ TEST(UsingFormat, HostileFormatsRunInBoundedTimeAndOutput) {
   EXPECT_EQ(Line(wide, {1.0f}), " 1" + std::string(wide.size() / 7, '|'));
   std::string quotes(2000, '"');
   EXPECT_EQ(Line(quotes), "");
-  EXPECT_EQ(Format(quotes.substr(1)).code, 4009u);
+  EXPECT_EQ(Format(quotes.substr(1)).code, err::kBadLiteral);
   std::string parens(2000, '(');
-  EXPECT_EQ(Format(parens).code, 4002u);
-  EXPECT_EQ(Format("9" + parens).code, 4002u);
-  EXPECT_EQ(Format(std::string(2000, ')')).code, 4003u);
-  EXPECT_EQ(Format(std::string(ImageFormat::kMaxText + 1, 'x')).code, 4003u);
+  EXPECT_EQ(Format(parens).code, err::kMissingReplicator);
+  EXPECT_EQ(Format("9" + parens).code, err::kMissingReplicator);
+  EXPECT_EQ(Format(std::string(2000, ')')).code, err::kBadFormatChar);
+  EXPECT_EQ(Format(std::string(ImageFormat::kMaxText + 1, 'x')).code, err::kBadFormatChar);
   EXPECT_LT(SecondsSince(start), 5.0);
 }
 
 TEST(UsingFormat, ALineLongerThanTheLimitIsDropped) {
   Result r = Format("10a", {std::string(40, 'y')}, 41);
-  EXPECT_EQ(r.code, FormatRunner::kLineOverflow);  // the LF does not fit
+  EXPECT_EQ(r.code, err::kStringOverflow);  // the LF does not fit
   EXPECT_EQ(r.line, "");
   r = Format("10a", {std::string(40, 'y')}, 42);
   EXPECT_EQ(r.code, 0u);
   r = Format("100a", {"y"}, 42);
-  EXPECT_EQ(r.code, FormatRunner::kLineOverflow);
+  EXPECT_EQ(r.code, err::kStringOverflow);
   EXPECT_EQ(r.line, "");
 }
 

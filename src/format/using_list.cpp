@@ -1,0 +1,72 @@
+#include "format/using_list.h"
+
+#include "shell/program.h"
+
+namespace {
+
+class UsingNumericSpec final : public UsingSpec {
+ public:
+  explicit UsingNumericSpec(NumericExpPtr exp) : exp_(std::move(exp)) {}
+  size_t Size() const override { return sizeof *this + exp_->Size(); }
+  void List(std::string& out) const override { exp_->List(out); }
+  FieldValue Evaluate() override { return {false, exp_->Evaluate(), {}}; }
+
+ private:
+  NumericExpPtr exp_;
+};
+
+class UsingStringSpec final : public UsingSpec {
+ public:
+  explicit UsingStringSpec(StringExpPtr exp) : exp_(std::move(exp)) {}
+  size_t Size() const override { return sizeof *this + exp_->Size() + work_.Capacity(); }
+  void List(std::string& out) const override { exp_->List(out); }
+  FieldValue Evaluate() override { return {true, 0, exp_->Evaluate(work_)}; }
+
+ private:
+  StringExpPtr exp_;
+  StringValue work_;  // grows once to the longest value and is reused
+};
+
+// A numeric expression (string comparisons included), else a string one.
+UsingSpecPtr ParseUsingSpec(Program& p) {
+  size_t mark = p.Mark();
+  if (NumericExpPtr exp = ParseNumericExp(p))
+    return std::make_unique<UsingNumericSpec>(std::move(exp));
+  ErrorCode numericError = g_err.parse;
+  SetParseError(0);
+  p.Restore(mark);
+  if (StringExpPtr exp = ParseStringExp(p))
+    return std::make_unique<UsingStringSpec>(std::move(exp));
+  p.Restore(mark);
+  if (!g_err.parse) SetParseError(numericError ? numericError : err::kBadExpression);
+  return nullptr;
+}
+
+}  // namespace
+
+bool UsingSpecList::Parse(Program& p) {
+  size_t mark = p.Mark();
+  do {
+    UsingSpecPtr spec = ParseUsingSpec(p);
+    if (!spec) {
+      specs_.clear();
+      p.Restore(mark);
+      return false;
+    }
+    specs_.push_back(std::move(spec));
+  } while (p.Accept(tok::kComma));
+  return true;
+}
+
+size_t UsingSpecList::Size() const {
+  size_t size = specs_.capacity() * sizeof(UsingSpecPtr);
+  for (const UsingSpecPtr& spec : specs_) size += spec->Size();
+  return size;
+}
+
+void UsingSpecList::List(std::string& out) const {
+  for (size_t i = 0; i < specs_.size(); ++i) {
+    if (i) out += ',';
+    specs_[i]->List(out);
+  }
+}
