@@ -123,9 +123,10 @@ constexpr const char* kImage[] = {
     "Items are separated by ',': <w>d or <w>.<p>d a number, <w>a a",
     "string, <w>x blanks, \"text\" and '<code> literals, / a new line,",
     "<n>(<items>) the items n times. - before the width left-justifies,",
-    "0 fills with zeros, s shows + on positive numbers; * as width or",
+    "0 fills with zeros, s shows + unless negative; * as width or",
     "precision means none. A first #, + or - ends the line without",
     "a new line, with a carriage return, or with a line feed.",
+    "Errors in a format are reported when PRINT USING runs it.",
 };
 constexpr const char* kInput[] = {
     "INPUT [\"prompt\",]<variable>[,<variableList>]",
