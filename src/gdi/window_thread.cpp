@@ -1,5 +1,10 @@
 #include "gdi/window_thread.h"
 
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -69,6 +74,17 @@ void Destroy(WindowRecord* r) {
   r->surface = nullptr;
 }
 
+// Xlib's own handler ends the process on any X error, such as a request about
+// a window that is already gone; the interpreter's program must survive it.
+void IgnoreXErrors() {
+  void* x11 = dlopen("libX11.so.6", RTLD_LAZY | RTLD_NOLOAD);
+  if (!x11) return;
+  using Handler = int (*)(void*, void*);
+  if (auto set = reinterpret_cast<Handler (*)(Handler)>(dlsym(x11, "XSetErrorHandler")))
+    set([](void*, void*) { return 0; });
+  dlclose(x11);
+}
+
 bool Named(const char* variable) {
   const char* value = std::getenv(variable);
   return value && *value;
@@ -95,6 +111,42 @@ void OnWindowEvent(const SDL_WindowEvent& e) {
   }
 }
 
+// Does what an event asks; false for the request to end the thread.
+bool Handle(const SDL_Event& e, uint32_t requestType) {
+  if (e.type == requestType) {
+    auto* r = static_cast<WindowRecord*>(e.user.data1);
+    switch (e.user.code) {
+      case WindowThread::kCreate:
+        Create(r);
+        break;
+      case WindowThread::kClose:
+        Destroy(r);
+        r->creating.store(0);
+        break;
+      case WindowThread::kPaint:
+        Paint(r);
+        break;
+      case WindowThread::kMarker:
+        r->updatePending.store(0);
+        break;
+      case WindowThread::kShow:
+        if (r->window) SDL_ShowWindow(WindowOf(r));
+        break;
+      case WindowThread::kHide:
+        if (r->window) SDL_HideWindow(WindowOf(r));
+        break;
+      case WindowThread::kQuit:
+        return false;
+    }
+  } else if (e.type == SDL_WINDOWEVENT) {
+    OnWindowEvent(e.window);
+  } else if (e.type == SDL_KEYDOWN && e.key.keysym.sym == SDLK_c &&
+             (e.key.keysym.mod & KMOD_CTRL)) {
+    g_breakFlag.store(1);  // Ctrl+C in a graphics window breaks as in the console
+  }
+  return true;
+}
+
 }  // namespace
 
 std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
@@ -105,6 +157,10 @@ std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
     return nullptr;
   }
   std::unique_ptr<WindowThread> t(new WindowThread());
+  if (pipe2(t->wake_, O_NONBLOCK | O_CLOEXEC) != 0) {
+    *why = "no pipe for the window thread";
+    return nullptr;
+  }
   t->thread_ = std::thread(&WindowThread::Main, t.get());
   int state;
   while ((state = t->state_.load()) == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -115,9 +171,12 @@ std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
 }
 
 WindowThread::~WindowThread() {
-  if (!thread_.joinable()) return;
-  while (!Post(kQuit, nullptr)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  thread_.join();
+  if (thread_.joinable()) {
+    while (!Post(kQuit, nullptr)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    thread_.join();
+  }
+  for (int fd : wake_)
+    if (fd >= 0) close(fd);
 }
 
 bool WindowThread::Post(Request request, WindowRecord* record) {
@@ -125,13 +184,29 @@ bool WindowThread::Post(Request request, WindowRecord* record) {
   e.type = eventType_;
   e.user.code = request;
   e.user.data1 = record;
-  return SDL_PushEvent(&e) == 1;
+  if (SDL_PushEvent(&e) != 1) return false;
+  // A full pipe already holds a wake-up.
+  [[maybe_unused]] ssize_t n = write(wake_[1], "", 1);
+  return true;
+}
+
+// Sleeps until a request is posted, or 10 ms for the window system's events.
+// SDL_WaitEvent is not used: its own wake-up sends an X request from the
+// posting thread to a window that this thread may be destroying meanwhile.
+void WindowThread::AwaitWake() {
+  pollfd p = {wake_[0], POLLIN, 0};
+  if (poll(&p, 1, 10) <= 0) return;
+  char drain[64];
+  while (read(wake_[0], drain, sizeof drain) > 0) {
+  }
 }
 
 void WindowThread::Main() {
   // Ctrl+C stays the interpreter's break key, not a quit request of SDL's.
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+  // Copies go straight to the window system; no OpenGL renderer and its threads.
+  SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
     why_ = SDL_GetError();
     state_.store(kFailed);
@@ -145,42 +220,13 @@ void WindowThread::Main() {
     state_.store(kFailed);
     return;
   }
+  if (driver && std::strcmp(driver, "x11") == 0) IgnoreXErrors();
   eventType_ = SDL_RegisterEvents(1);
   state_.store(kUp);
   SDL_Event e;
-  for (bool running = true; running && SDL_WaitEvent(&e);) {
-    if (e.type == eventType_) {
-      auto* r = static_cast<WindowRecord*>(e.user.data1);
-      switch (e.user.code) {
-        case kCreate:
-          Create(r);
-          break;
-        case kClose:
-          Destroy(r);
-          r->creating.store(0);
-          break;
-        case kPaint:
-          Paint(r);
-          break;
-        case kMarker:
-          r->updatePending.store(0);
-          break;
-        case kShow:
-          if (r->window) SDL_ShowWindow(WindowOf(r));
-          break;
-        case kHide:
-          if (r->window) SDL_HideWindow(WindowOf(r));
-          break;
-        case kQuit:
-          running = false;
-          break;
-      }
-    } else if (e.type == SDL_WINDOWEVENT) {
-      OnWindowEvent(e.window);
-    } else if (e.type == SDL_KEYDOWN && e.key.keysym.sym == SDLK_c &&
-               (e.key.keysym.mod & KMOD_CTRL)) {
-      g_breakFlag.store(1);  // Ctrl+C in a graphics window breaks as in the console
-    }
+  for (bool running = true; running;) {
+    while (running && SDL_PollEvent(&e)) running = Handle(e, eventType_);
+    if (running) AwaitWake();
   }
   SDL_Quit();
 }
@@ -194,5 +240,6 @@ std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
 WindowThread::~WindowThread() = default;
 bool WindowThread::Post(Request, WindowRecord*) { return false; }
 void WindowThread::Main() {}
+void WindowThread::AwaitWake() {}
 
 #endif

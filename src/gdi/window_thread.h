@@ -33,6 +33,7 @@ class WindowThread final {
  private:
   WindowThread() = default;
   void Main();
+  void AwaitWake();
 
   std::thread thread_;
   // 0 while starting, then kUp or kFailed; written once by the thread.
@@ -40,4 +41,5 @@ class WindowThread final {
   static constexpr int kUp = 1, kFailed = 2;
   uint32_t eventType_ = 0;  // SDL's number for our requests, set before kUp
   std::string why_;         // set before kFailed
+  int wake_[2] = {-1, -1};  // a pipe: Post writes a byte, the idle thread polls for it
 };

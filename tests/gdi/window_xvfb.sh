@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Real windows on an X server of their own (Xvfb): what UPDATE copies is on
-# the screen in its colours and what was drawn after it is not; a window
-# closed from outside makes the next statement fail with "GDI is not open";
-# BYE closes the windows and ends the window thread.
+# the screen in its colours and what was drawn after it is not; Ctrl+C breaks
+# a drawing run, from the terminal or typed into the window; a window closed
+# from outside makes the next statement fail with "GDI is not open"; BYE
+# closes the windows and ends the window thread.
 # Usage: window_xvfb.sh BUILD_FOLDER (with basic, picture_tool and x11_close)
 set -u
 build=$(realpath "$1")
@@ -36,9 +37,13 @@ for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.1; done
 export DISPLAY=:$(cat "$work/display")
 unset WAYLAND_DISPLAY SDL_VIDEODRIVER
 
-# Waits until file $1 holds the text $2, for up to $3 tenths of a second.
+# Waits until file $1 holds $4 (or one) lines with the text $2, for up to $3
+# tenths of a second.
 await() {
-  for _ in $(seq "$3"); do grep -q "$2" "$1" 2>/dev/null && return 0; sleep 0.1; done
+  for _ in $(seq "$3"); do
+    [ "$(grep -c "$2" "$1" 2>/dev/null)" -ge "${4:-1}" ] && return 0
+    sleep 0.1
+  done
   return 1
 }
 
@@ -68,8 +73,27 @@ else
   failed "the drawing program did not finish"
 fi
 
+windows() { xdotool search --name "Velo Basic Test Window" 2>/dev/null | wc -l; }
+
+# Ctrl+C breaks a drawing run; SDL must not have taken the signal for itself.
+# The window stays open until the next RUN's link pass closes it.
 echo "GET xvfb_close.bas" >&3
 echo "RUN" >&3  # the link pass closes the first window
+sleep 1
+[ "$(windows)" = 1 ] || failed "RUN left $(windows) windows open"
+kill -INT $shell
+await "$work/out" "BREAK in line" 50 || failed "SIGINT did not break the drawing run"
+[ "$(windows)" = 1 ] || failed "the break closed the window"
+
+# Ctrl+C typed into the graphics window breaks the run as in the terminal.
+echo "RUN" >&3
+sleep 1
+id=$(xdotool search --name "Velo Basic Test Window" | head -n 1)
+xdotool key --window "$id" ctrl+c
+await "$work/out" "BREAK in line" 50 2 || failed "Ctrl+C in the window did not break"
+
+# A window closed from outside makes the next statement on it fail.
+echo "RUN" >&3
 sleep 1
 ids=$(xdotool search --name "Velo Basic Test Window")
 [ "$(echo "$ids" | wc -w)" = 1 ] || failed "the next RUN left windows open: $ids"
@@ -86,7 +110,6 @@ if kill -0 $shell 2>/dev/null; then
 else
   wait $shell || failed "the shell ended with status $?"
 fi
-[ -z "$(xdotool search --name "Velo Basic Test Window" 2>/dev/null)" ] || failed "windows left after BYE"
 grep -q "off-screen" "$work/err" && failed "the windows were headless: $(cat "$work/err")"
 
 [ $fail = 0 ] && echo "window tests: passed"
