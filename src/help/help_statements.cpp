@@ -99,12 +99,13 @@ constexpr const char* kGosub[] = {
     "GOSUB <stmtIdentifier>",
     "GOSUB <numericExp> OF <stmtId>[,<stmtIdList>][ELSE <stmtId>]",
     "RETURN continues after the GOSUB; GOSUBs nest up to 100 deep.",
+    "GO SUB in two words is the same.",
 };
 constexpr const char* kGoto[] = {
     "GOTO <stmtIdentifier>",
     "GOTO <numericExp> OF <stmtId>[,<stmtIdList>][ELSE <stmtId>]",
     "The value is rounded and picks a target; out of range goes to",
-    "the ELSE target, or on to the next statement.",
+    "the ELSE target, or on to the next statement. GO TO is the same.",
 };
 constexpr const char* kHide[] = {
     "HIDE @<gdiNumber>",
