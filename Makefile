@@ -1,8 +1,11 @@
 # Two commands do everything on a fresh Debian machine:
 #   make run    builds, then starts the interpreter (make run ARGS=prog.bas runs a program)
-#   make test   builds, then runs every test: unit, end-to-end, real terminal, sanitizers
+#   make test   builds, then runs every test: unit, end-to-end, real terminal, process,
+#               sanitizers, and a short run of every fuzz target
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 10
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 ARGS       ?=
 PREFIX     ?= /usr/local
@@ -10,12 +13,12 @@ DESTDIR    ?=
 
 # Debian packages: what the build needs, and what the tests need.
 BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
-TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev
+TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clang libclang-rt-14-dev
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps peers build unit e2e terminal gdi asan bench docs install format clean
+.PHONY: all run test deps peers build unit e2e terminal gdi process asan fuzz bench docs install format clean
 
 all: build
 
@@ -55,6 +58,7 @@ terminal: build
 	tests/terminal/editor_tmux.sh $(BUILD)/line_echo
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
 	tests/terminal/history_tmux.sh $(BUILD)/basic
+	tests/terminal/signals_tmux.sh $(BUILD)/basic
 
 # The example programs' pictures, drawn headless, against their references;
 # real windows on an Xvfb server of the test's own.
@@ -62,14 +66,27 @@ gdi: build
 	tests/gdi/examples.sh $(BUILD)
 	tests/gdi/window_xvfb.sh $(BUILD)
 
+# Signals, lost output, endless input and memory limits on the real process.
+process: build
+	tests/process/process_tests.sh $(BUILD)/basic
+
 # The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
 asan: deps
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DBASIC_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
 	ASAN_OPTIONS=detect_leaks=1 tests/run_e2e.sh $(ASAN_BUILD)/basic
+	ASAN_OPTIONS=detect_leaks=1 tests/process/process_tests.sh $(ASAN_BUILD)/basic
 
-test: unit e2e terminal gdi docs asan
+# libFuzzer targets (clang): the kept findings replayed, then FUZZ_SECONDS of each.
+fuzz: deps
+	@command -v clang++ >/dev/null || { echo "SKIP fuzz: clang++ is not installed"; exit 0; }; \
+	cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	  -DBASIC_FUZZ=ON -DBASIC_TESTS=OFF >/dev/null && \
+	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets && \
+	tests/fuzz/run_fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
+test: unit e2e terminal gdi docs process asan fuzz
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
@@ -111,4 +128,4 @@ format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) build-bench
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench

@@ -8,6 +8,7 @@
 #include "console/console_backend.h"
 #include "console/key_source.h"
 #include "console/line_editor.h"
+#include "platform/signals.h"
 #include "platform/terminal_restore.h"
 
 namespace {
@@ -77,6 +78,7 @@ void Console::CursorLeftWrap() {
 }
 
 void Console::CheckResize() {
+  if (out_->Moved(&x_, &y_)) column_ = x_;
   if (!out_->Resized(&cols_, &rows_)) return;
   if (x_ >= cols_) x_ = cols_ - 1;
   if (y_ >= rows_) y_ = rows_ - 1;
@@ -128,13 +130,22 @@ void Console::Write(std::string_view text) {
 
 void Console::Printf(const char* format, ...) {
   char buffer[260];
-  va_list args;
+  va_list args, again;
   va_start(args, format);
+  va_copy(again, args);
   int n = vsnprintf(buffer, sizeof buffer, format, args);
   va_end(args);
-  if (n < 0) return;
-  if (n >= static_cast<int>(sizeof buffer)) n = sizeof buffer - 1;
-  Write(std::string_view(buffer, static_cast<size_t>(n)));
+  if (n >= static_cast<int>(sizeof buffer)) {
+    // A long file name or prompt: the message is never cut, its line end included.
+    std::string longer(static_cast<size_t>(n) + 1, '\0');
+    vsnprintf(longer.data(), longer.size(), format, again);
+    va_end(again);
+    longer.pop_back();
+    Write(longer);
+    return;
+  }
+  va_end(again);
+  if (n > 0) Write(std::string_view(buffer, static_cast<size_t>(n)));
 }
 
 // ---- escape-aware put ----------------------------------------------------------------------
@@ -428,8 +439,11 @@ std::unique_ptr<Console> InstallConsole(std::unique_ptr<Console> console) {
 }
 
 namespace {
-void FlushAtExit() {
+void FlushConsole() {
   if (g_console) g_console->Flush();
+}
+void FlushAtExit() {
+  FlushConsole();
   RestoreTerminal();
 }
 }  // namespace
@@ -447,6 +461,7 @@ std::unique_ptr<Console> MakeProcessConsole() {
     // Runs before the terminal restore the back ends registered, and before the console's
     // own static is destroyed.
     std::atexit(FlushAtExit);
+    SetFlushHook(FlushConsole);
   }
   return std::make_unique<Console>(std::move(out), std::move(in));
 }

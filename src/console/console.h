@@ -29,7 +29,7 @@ class Console {
   // Plain put, used for the system's own messages, listings and help.
   void PutPlain(char c);
   void Write(std::string_view text);
-  // Formats into a 260-character buffer and writes it through the plain put.
+  // Formats and writes through the plain put; long results are never cut.
   void Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
   int Column() const;  // characters written since the last carriage return

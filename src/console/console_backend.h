@@ -17,6 +17,9 @@ class ConsoleBackend {
   }
   // True (and the new size stored) when the screen was resized since the last call.
   virtual bool Resized(int* /*cols*/, int* /*rows*/) { return false; }
+  // True (and the cursor stored) when others wrote to the screen since the last
+  // call, as a shell does while the process is suspended.
+  virtual bool Moved(int* /*x*/, int* /*y*/) { return false; }
 
   virtual void Draw(int x, int y, char c, uint16_t attr) = 0;
   // The model moved on a carriage return or a line feed; only a stream writes these.

@@ -212,7 +212,10 @@ int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
       break;
     }
     int k = in_->WaitKey(wait);
-    if (k == KeySource::kNone) continue;
+    if (k == KeySource::kNone) {
+      CheckResize();  // a resume after Ctrl+Z: the next echo goes where the cursor now is
+      continue;
+    }
     if (k == KeySource::kEnd) {
       result = kEndOfInput;
       break;

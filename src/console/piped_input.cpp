@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <string>
 
 #include "console/console.h"
@@ -10,6 +11,8 @@
 
 namespace {
 
+// Every byte is looked at once, and a line that never ends costs no more memory
+// than its first kLineMax characters: the rest is dropped as it arrives.
 class PipedInput final : public KeySource {
  public:
   explicit PipedInput(int fd) : fd_(fd) {}
@@ -20,9 +23,12 @@ class PipedInput final : public KeySource {
 
   int WaitLine(char* line, int timeoutMs) override {
     for (;;) {
-      int n = TakeLine(line);
-      if (n != kNone) return n;
-      if (eof_) return kEnd;
+      if (TakeLine()) return Deliver(line);
+      if (eof_) {
+        if (len_ == 0 && !pendingCr_ && !started_) return kEnd;
+        if (pendingCr_) Keep('\r');  // a carriage return at the very end is text
+        return Deliver(line);
+      }
       pollfd pfd{fd_, POLLIN, 0};
       int ready = poll(&pfd, 1, timeoutMs);
       if (ready <= 0) return kNone;  // timeout, or a signal such as Ctrl+C
@@ -34,45 +40,50 @@ class PipedInput final : public KeySource {
       } else if (r == 0) {
         eof_ = true;
       } else {
-        data_.append(buf, static_cast<size_t>(r));
+        data_.assign(buf, static_cast<size_t>(r));
+        pos_ = 0;
       }
       timeoutMs = 0;
     }
   }
 
  private:
-  // The next complete line (or the last one, without LF, at the end), else kNone.
-  int TakeLine(char* line) {
-    if (pos_ == data_.size()) {
+  // Moves bytes of data_ into the line being built; true once a line feed ends it.
+  bool TakeLine() {
+    while (pos_ < data_.size()) {
+      char c = data_[pos_++];
+      started_ = true;
+      if (c == '\n') return true;  // a carriage return just before is dropped
+      if (pendingCr_) Keep('\r');
+      pendingCr_ = c == '\r';
+      if (!pendingCr_ && c != '\0') Keep(c);  // NUL bytes are dropped: lines are C strings
+    }
+    if (pos_ == data_.size() && !data_.empty()) {
       data_.clear();
       pos_ = 0;
-      return kNone;
     }
-    size_t lf = data_.find('\n', pos_);
-    size_t end = lf;
-    if (lf == std::string::npos) {
-      if (!eof_) return kNone;
-      end = data_.size();
-    }
-    size_t stop = end;
-    if (lf != std::string::npos && stop > pos_ && data_[stop - 1] == '\r') --stop;
-    int n = 0;
-    // NUL bytes are dropped: the line is handed on as a C string.
-    for (size_t i = pos_; i < stop && n < Console::kLineMax; ++i)
-      if (data_[i] != '\0') line[n++] = data_[i];
+    return false;
+  }
+  void Keep(char c) {
+    if (len_ < Console::kLineMax) line_[len_++] = c;
+  }
+  int Deliver(char* line) {
+    int n = len_;
+    std::memcpy(line, line_, static_cast<size_t>(n));
     line[n] = '\0';
-    pos_ = lf == std::string::npos ? data_.size() : lf + 1;
-    if (pos_ > 64 * 1024) {
-      data_.erase(0, pos_);
-      pos_ = 0;
-    }
+    len_ = 0;
+    pendingCr_ = started_ = false;
     return n;
   }
 
   int fd_;
-  std::string data_;
+  std::string data_;  // bytes read and not yet taken
   size_t pos_ = 0;
   bool eof_ = false;
+  char line_[Console::kLineMax];  // the line being built, its first kLineMax characters
+  int len_ = 0;
+  bool pendingCr_ = false;  // a carriage return waits to see whether a line feed follows
+  bool started_ = false;    // the line being built has bytes, kept or not
 };
 
 }  // namespace

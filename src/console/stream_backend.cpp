@@ -1,11 +1,14 @@
 // Output to a pipe or a file: only the characters drawn and the line ends.
 #include <errno.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <climits>
 #include <cstring>
 
 #include "console/console_backend.h"
+#include "platform/break_flag.h"
+#include "platform/signals.h"
 
 namespace {
 
@@ -51,6 +54,7 @@ class StreamBackend final : public ConsoleBackend {
 
  private:
   void Put(char c) {
+    if (n_ == 0 && !out_) NoteOutputPending();
     if (n_ == sizeof buf_) Drain();
     buf_[n_++] = c;
   }
@@ -59,13 +63,25 @@ class StreamBackend final : public ConsoleBackend {
       out_->append(buf_, n_);
     } else {
       const char* p = buf_;
-      size_t left = n_;
+      size_t left = gone_ ? 0 : n_;
       while (left > 0) {
         ssize_t w = write(fd_, p, left);
-        if (w < 0 && errno == EINTR) continue;
-        if (w <= 0) break;  // a closed reader: the output is lost, the run goes on
-        p += w;
-        left -= static_cast<size_t>(w);
+        if (w > 0) {
+          p += w;
+          left -= static_cast<size_t>(w);
+        } else if (w < 0 && errno == EAGAIN) {
+          pollfd pfd{fd_, POLLOUT, 0};
+          poll(&pfd, 1, 100);  // an output left non-blocking by whoever passed it on
+        } else if (w < 0 && errno == EINTR && !EndPending()) {
+          continue;
+        } else if (w < 0 && errno == EINTR) {
+          break;  // the process is ending: a stalled reader loses the rest
+        } else {
+          // The reader went away: from now on output is dropped, the run goes on.
+          gone_ = true;
+          OutputLost();
+          break;
+        }
       }
     }
     n_ = 0;
@@ -74,6 +90,7 @@ class StreamBackend final : public ConsoleBackend {
   int fd_;
   std::string* out_;
   bool pendingCr_ = false;
+  bool gone_ = false;  // the output failed for good
   size_t n_ = 0;
   char buf_[64 * 1024];
 };

@@ -9,6 +9,8 @@
 #include <cstring>
 
 #include "console/console_backend.h"
+#include "platform/break_flag.h"
+#include "platform/signals.h"
 #include "platform/terminal_restore.h"
 
 namespace {
@@ -55,7 +57,7 @@ class TerminalBackend final : public ConsoleBackend {
   explicit TerminalBackend(int fd) : fd_(fd) {
     RegisterTerminalOutput(fd);
     resizeSeen_ = TerminalResizeCount();
-    contSeen_ = TerminalContinueCount();
+    contSeen_ = movedSeen_ = TerminalContinueCount();
     QuerySize(&cols_, &rows_);
   }
   ~TerminalBackend() override { Drain(); }
@@ -73,6 +75,20 @@ class TerminalBackend final : public ConsoleBackend {
       tcx_ = *x;
       tcy_ = *y;
     }
+  }
+  // After a suspend the shell wrote its own lines: ask where the cursor is now.
+  bool Moved(int* x, int* y) override {
+    unsigned seen = TerminalContinueCount();
+    if (seen == movedSeen_) return false;
+    movedSeen_ = seen;
+    resizeSeen_ = ~resizeSeen_;  // the size may have changed as well
+    int qx = 0, qy = rows_ - 1;
+    if (!isatty(STDIN_FILENO) || !QueryCursor(STDIN_FILENO, fd_, &qx, &qy)) return false;
+    *x = qx < cols_ ? qx : cols_ - 1;
+    *y = qy < rows_ ? qy : rows_ - 1;
+    tcx_ = *x;
+    tcy_ = *y;
+    return true;
   }
   bool Resized(int* cols, int* rows) override {
     unsigned seen = TerminalResizeCount();
@@ -135,6 +151,8 @@ class TerminalBackend final : public ConsoleBackend {
   }
 
   void SetAttr(uint16_t) override {}  // shown with the next cell drawn
+  // A user sees each line as soon as it ends.
+  void LineFeed() override { Drain(); }
 
   void ShowCursor(bool visible) override {
     if (visible == cursorShown_) return;
@@ -200,6 +218,7 @@ class TerminalBackend final : public ConsoleBackend {
   }
 
   void Put(char c) {
+    if (n_ == 0) NoteOutputPending();
     if (n_ == sizeof buf_) Drain();
     buf_[n_++] = c;
   }
@@ -214,13 +233,23 @@ class TerminalBackend final : public ConsoleBackend {
 
   void Drain() {
     const char* p = buf_;
-    size_t left = n_;
+    size_t left = gone_ ? 0 : n_;
     while (left > 0) {
       ssize_t w = write(fd_, p, left);
-      if (w < 0 && errno == EINTR) continue;
-      if (w <= 0) break;
-      p += w;
-      left -= static_cast<size_t>(w);
+      if (w > 0) {
+        p += w;
+        left -= static_cast<size_t>(w);
+      } else if (w < 0 && errno == EAGAIN) {
+        pollfd pfd{fd_, POLLOUT, 0};
+        poll(&pfd, 1, 100);
+      } else if (w < 0 && errno == EINTR && !EndPending()) {
+        continue;
+      } else if (w < 0 && errno == EINTR) {
+        break;
+      } else {
+        gone_ = true;  // a hung-up terminal: output is dropped until SIGHUP ends us
+        break;
+      }
     }
     n_ = 0;
   }
@@ -233,8 +262,10 @@ class TerminalBackend final : public ConsoleBackend {
   uint16_t shownAttr_ = 0x07;
   bool cursorShown_ = true;
   bool lastHigh_ = false;
+  bool gone_ = false;
   unsigned resizeSeen_ = 0;
   unsigned contSeen_ = 0;
+  unsigned movedSeen_ = 0;
   size_t n_ = 0;
   char buf_[16 * 1024];
 };

@@ -19,8 +19,8 @@ std::atomic<unsigned> g_continues{0};
 std::atomic<unsigned> g_resizes{0};
 
 constexpr char kResetOutput[] = "\x1b[0m\x1b[?25h";
-constexpr int kFatalSignals[] = {SIGTERM, SIGHUP, SIGQUIT, SIGSEGV,
-                                 SIGBUS,  SIGFPE, SIGILL,  SIGABRT};
+// SIGTERM and SIGHUP are not here: they end the process through platform/signals.
+constexpr int kFatalSignals[] = {SIGQUIT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
 void Restore() {
   if (g_outFd >= 0) {

@@ -1,6 +1,7 @@
 #include "shell/loader.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <string_view>
 
 #include "console/console.h"
+#include "platform/break_flag.h"
 #include "shell/program.h"
 #include "stmt/simple_stmts.h"
 
@@ -17,9 +19,19 @@ SourceFile::~SourceFile() {
   if (fd_ >= 0) close(fd_);
 }
 
-bool SourceFile::Open(const char* path) {
-  fd_ = open(path, O_RDONLY);
-  return fd_ >= 0;
+bool SourceFile::Open(const char* path, Kind kind) {
+  // Without O_NONBLOCK, opening a FIFO would wait for a writer.
+  int flags = O_RDONLY | O_CLOEXEC | (kind == Kind::kRegular ? O_NONBLOCK : 0);
+  fd_ = open(path, flags);
+  if (fd_ < 0) return false;
+  struct stat st;
+  bool ok = fstat(fd_, &st) == 0 && !S_ISDIR(st.st_mode);
+  if (ok && kind == Kind::kRegular) ok = S_ISREG(st.st_mode);
+  if (!ok) {
+    close(fd_);
+    fd_ = -1;
+  }
+  return ok;
 }
 
 int SourceFile::Fill() {
@@ -30,8 +42,10 @@ int SourceFile::Fill() {
       end_ = static_cast<int>(n);
       return end_;
     }
-    if (errno == EINTR) continue;
-    TheConsole().Printf("%s in line %u", "File read error", lines_);
+    if (errno == EINTR && !EndPending()) continue;
+    if (errno == EINTR) return 0;
+    // The rest of the file cannot be had: what was read is the program.
+    TheConsole().Printf("%s in line %u\n", "File read error", lines_);
     return 0;
   }
 }
@@ -39,9 +53,14 @@ int SourceFile::Fill() {
 bool SourceFile::GetLine(std::string& line) {
   line.clear();
   if (ended_) return false;
-  size_t column = 0;
+  size_t column = 0, lineBytes = 0;
   for (;;) {
     if (pos_ >= end_ && Fill() <= 0) break;
+    if (++bytes_ > kMaxBytes || ++lineBytes > kMaxLineBytes || lines_ >= kMaxLines) {
+      limit_ = lineBytes > kMaxLineBytes ? err::kLineTooLong : err::kNoMemory;
+      ended_ = true;
+      return false;
+    }
     unsigned char c = static_cast<unsigned char>(buffer_[pos_++]);
     if (c == 26) break;  // Ctrl-Z ends the file whatever follows
     if (c == '\r' || c == 0) continue;
@@ -138,36 +157,111 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
       con.Printf("%s in file line %u\n", MessageOf(g_err.parse), fileLine);
   }
   prog->StartLine("");  // the line buffer goes away with this frame
+  if (ErrorCode limit = file.Limit(); limit && g_err.parse != err::kOutOfOrder) {
+    con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(limit),
+               file.LineCount() + 1);
+    SetParseError(limit);
+    return prog;
+  }
   if (g_err.parse != err::kOutOfOrder) SetParseError(0);
   return prog;
 }
 
-int SaveProgram(const Program& prog, const std::string& path, bool numbers) {
-  std::string temp = path + ".saving~";
-  FILE* out = std::fopen(temp.c_str(), "w");
-  if (!out) {
-    int error = errno;
-    TheConsole().Printf("Cannot open %s for output.\n", path.c_str());
-    return error;
+namespace {
+
+// The file a name stands for: symbolic links are followed, relative ones from
+// their own folder, so that the file they name is replaced and the link stays.
+std::string ResolveLinks(std::string path) {
+  for (int hops = 0; hops < 40; ++hops) {
+    struct stat st;
+    if (lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) break;
+    char target[4096];
+    ssize_t n = readlink(path.c_str(), target, sizeof target - 1);
+    if (n <= 0) break;
+    std::string link(target, static_cast<size_t>(n));
+    size_t slash = path.rfind('/');
+    path = link[0] == '/' || slash == std::string::npos ? link : path.substr(0, slash + 1) + link;
   }
+  return path;
+}
+
+bool WriteAll(int fd, std::string_view text) {
+  while (!text.empty()) {
+    ssize_t w = write(fd, text.data(), text.size());
+    if (w < 0 && errno == EINTR && !EndPending()) continue;
+    if (w <= 0) return false;
+    text.remove_prefix(static_cast<size_t>(w));
+  }
+  return true;
+}
+
+// A device is written where it is, as an output opened on it would be.
+int WriteInPlace(const std::string& path, std::string_view text) {
+  int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+  if (fd < 0) return errno;
+  bool ok = WriteAll(fd, text);
+  int error = ok ? 0 : (errno ? errno : EIO);
+  if (close(fd) != 0 && ok) error = errno;
+  return error;
+}
+
+// A regular file is written beside the target and renamed over it once complete;
+// the new file keeps the old one's owner and permission bits.
+int WriteAndRename(const std::string& path, const struct stat* old, std::string_view text) {
+  std::string temp = path + ".saving~";
+  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (fd < 0 && errno == EEXIST && unlink(temp.c_str()) == 0)  // left by a save that died
+    fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (fd < 0) return errno;
+  if (old) {
+    // Only root may hand the file to another owner; for anyone else it stays theirs.
+    (void)!fchown(fd, old->st_uid, old->st_gid);
+    (void)!fchmod(fd, old->st_mode & 07777);
+  }
+  bool ok = WriteAll(fd, text) && fsync(fd) == 0;
+  int error = ok ? 0 : (errno ? errno : EIO);
+  if (close(fd) != 0 && ok) ok = false, error = errno;
+  if (ok && rename(temp.c_str(), path.c_str()) != 0) ok = false, error = errno;
+  if (!ok) unlink(temp.c_str());
+  return error;
+}
+
+}  // namespace
+
+std::string SavedText(const Program& prog, bool numbers) {
   std::string text;
   if (!prog.interpreterLine.empty()) text = prog.interpreterLine + '\n';
   int depth = 0;
   for (const Statement* s = prog.First(); s; s = s->Next()) {
     if (s->Hidden()) continue;
     bool withNumber = numbers || prog.FindTarget(s->Number()) != nullptr;
+    size_t start = text.size();
     depth = prog.ListLine(text, s, 0, depth, withNumber);
+    // A bad line is written as it was typed, without the "?" that LIST shows,
+    // so that every SAVE and GET gives back the same line.
+    if (s->ParseError()) text.erase(text.find('?', start), 1);
     text += '\n';
   }
-  bool ok = std::fwrite(text.data(), 1, text.size(), out) == text.size();
-  ok = std::fflush(out) == 0 && ok;
-  ok = fsync(fileno(out)) == 0 && ok;
-  ok = std::fclose(out) == 0 && ok;
-  if (!ok || std::rename(temp.c_str(), path.c_str()) != 0) {
-    int error = errno ? errno : EIO;
-    std::remove(temp.c_str());
-    TheConsole().Printf("Cannot open %s for output.\n", path.c_str());
-    return error;
+  return text;
+}
+
+int SaveProgram(const Program& prog, const std::string& path, bool numbers) {
+  std::string text = SavedText(prog, numbers);
+  std::string target = ResolveLinks(path);
+  struct stat st;
+  int error;
+  if (stat(target.c_str(), &st) != 0) {
+    error = errno == ENOENT ? WriteAndRename(target, nullptr, text) : errno;
+  } else if (S_ISCHR(st.st_mode)) {
+    error = WriteInPlace(target, text);
+  } else if (!S_ISREG(st.st_mode)) {
+    error = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;  // a folder, FIFO or disk is never replaced
+  } else {
+    // The target must take output as an open for writing would: the rename
+    // alone would ignore its permissions.
+    int fd = open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    error = fd < 0 ? errno : (close(fd), WriteAndRename(target, &st, text));
   }
-  return 0;
+  if (error) TheConsole().Printf("Cannot open %s for output.\n", path.c_str());
+  return error;
 }

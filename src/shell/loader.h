@@ -1,19 +1,34 @@
 // Program text files: the reader with its byte rules, the loader and SAVE.
 #pragma once
+#include <cstdint>
 #include <memory>
 #include <string>
+
+#include "base/errors.h"
 
 class Program;
 
 // Reads a program file line by line: tabs to multiples of 4, carriage returns
 // and NUL bytes skipped, Ctrl-Z ends the file, a last line without a line feed counts.
+// Memory stays bounded: a file past kMaxBytes or kMaxLines, or a line past
+// kMaxLineBytes, ends the reading with Limit() set.
 class SourceFile {
  public:
+  static constexpr uint64_t kMaxBytes = 16 << 20;
+  static constexpr unsigned kMaxLines = 999999;  // each line can then have a number
+  static constexpr size_t kMaxLineBytes = 65535;
+
+  // GET takes regular files only and never waits to open one; the command line
+  // also takes pipes and devices, which its user names on purpose.
+  enum class Kind { kRegular, kAny };
+
   ~SourceFile();
-  bool Open(const char* path);
-  // The next line without its line feed; false at the end of the file.
+  bool Open(const char* path, Kind kind = Kind::kRegular);
+  // The next line without its line feed; false at the end of the file or at a limit.
   bool GetLine(std::string& line);
   unsigned LineCount() const { return lines_; }  // line ends read so far
+  // 0, or the code of the limit that ended the reading: 6 for a line, 3 for the file.
+  ErrorCode Limit() const { return limit_; }
 
  private:
   int Fill();
@@ -21,14 +36,20 @@ class SourceFile {
   int fd_ = -1;
   char buffer_[2048];
   int pos_ = 0, end_ = 0;
-  bool ended_ = false;  // Ctrl-Z or the end of the file was met
+  bool ended_ = false;  // Ctrl-Z, the end of the file, a read error or a limit was met
   unsigned lines_ = 0;
+  uint64_t bytes_ = 0;  // bytes taken from the file so far
+  ErrorCode limit_ = 0;
 };
 
 // Loads an opened file into a new program named name. With report, bad lines
 // are announced as they are met.
 std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, bool report);
 
+// The program as SAVE writes it; without numbers only referenced lines keep theirs.
+std::string SavedText(const Program& prog, bool numbers);
+
 // Writes the program; 0, or the system's error number after the message. The
-// old file is replaced only once the new one is complete.
+// old file is replaced only once the new one is complete; symbolic links are
+// followed, devices written in place, other files that are not regular refused.
 int SaveProgram(const Program& prog, const std::string& path, bool numbers);

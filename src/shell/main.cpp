@@ -5,7 +5,7 @@
 #include "base/dialect.h"
 #include "console/console.h"
 #include "gdi/gdi.h"
-#include "platform/break_handler.h"
+#include "platform/signals.h"
 #include "shell/shell.h"
 
 namespace {
@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   InstallConsole(MakeProcessConsole());
-  InstallBreakHandler();
+  InstallSignalHandlers(argc == 2);
   int status;
   if (argc > 2) {
     PrintBanner();

@@ -390,9 +390,33 @@ bool Program::NumberUnnumbered() {
     }
     s = t;
   }
+  if (PullBelowLimit()) renumbered = true;
   lines_.clear();
   for (Statement* h = First(); h; h = h->Next()) Index(h);
   return renumbered;
+}
+
+// Lines numbered past 999999 (unnumbered lines after the last numbers) take the
+// highest numbers below it; only as many lines before them move down as needed,
+// their references with them, so that SAVE writes a file GET takes back.
+bool Program::PullBelowLimit() {
+  Statement* s = endMark_->Prev();
+  while (s && s->Hidden()) s = s->Prev();
+  if (!s || s->Number() <= kMaxNumber) return false;
+  std::vector<std::pair<TargetLabel*, uint32_t>> moves;
+  for (uint32_t n = kMaxNumber; s && n > 0 && s->Number() > n; --n) {
+    if (TargetLabel* target = FindTarget(s->Number())) moves.emplace_back(target, n);
+    s->SetNumber(n);
+    do s = s->Prev();
+    while (s && s->Hidden());
+  }
+  // Every old number leaves the index before a new one enters: they may overlap.
+  for (const auto& [target, n] : moves) numberTargets_.erase(target->Number());
+  for (const auto& [target, n] : moves) {
+    target->SetNumber(n);
+    numberTargets_[n] = target;
+  }
+  return true;
 }
 
 // --- Storage.

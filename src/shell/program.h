@@ -97,6 +97,8 @@ struct RunFrame {
 
 class Program final : public Tokenizer {
  public:
+  static constexpr uint32_t kMaxNumber = 999999;  // the highest statement number
+
   explicit Program(std::string name = "");
   ~Program();
 
@@ -178,6 +180,7 @@ class Program final : public Tokenizer {
   std::unordered_map<uint32_t, TargetLabel*> numberTargets_;
   std::unordered_map<std::string, TargetLabel*> nameTargets_;  // by upper-case name
   size_t deadTargets_ = 0;
+  bool PullBelowLimit();
   void Index(Statement* head);
   void Unindex(Statement* head);
   void Forget(Statement* stmt);  // drops what refers to a statement about to go

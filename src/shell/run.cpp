@@ -1,5 +1,6 @@
 #include "shell/run.h"
 
+#include <new>
 #include <unordered_set>
 
 #include "console/console.h"
@@ -85,22 +86,29 @@ ErrorCode Run(Program& prog, bool keepsProgram) {
   prog.current = s;
   const char* fileName = !keepsProgram && !prog.Name().empty() ? prog.Name().c_str() : nullptr;
 
-  for (;;) {
-    Statement* next = s->Execute();
-    if (g_err.run == 0) [[likely]] {
-      if (!BreakPending()) [[likely]] {
-        if (next) s = next;
-        continue;
+  try {
+    for (;;) {
+      Statement* next = s->Execute();
+      if (g_err.run == 0) [[likely]] {
+        if (!BreakPending() || !TestAndClearBreak()) [[likely]] {
+          if (next) s = next;
+          continue;
+        }
+        SetErrorFile(fileName);
+        Raise(err::kBreak, s->Location());
+        break;
       }
-      TestAndClearBreak();
+      prog.frame.failLocation = s->Location();
       SetErrorFile(fileName);
-      Raise(err::kBreak, s->Location());
+      if (g_err.run != err::kStop && !HasLocation()) g_err.location = prog.frame.failLocation;
       break;
     }
+  } catch (const std::bad_alloc&) {
+    // Memory ran out inside a statement: the run ends there, as with any error.
     prog.frame.failLocation = s->Location();
     SetErrorFile(fileName);
-    if (g_err.run != err::kStop && !HasLocation()) g_err.location = prog.frame.failLocation;
-    break;
+    Raise(err::kNoMemory, s->Location());
+    prog.numTop = prog.strTop = prog.numBase = prog.strBase = 0;  // calls left mid-way
   }
   prog.current = s;
   TheConsole().RestoreDefaults();

@@ -3,6 +3,8 @@
 #include <climits>
 #include <cstdlib>
 #include <ctime>
+#include <new>
+#include <stdexcept>
 
 #include "base/dialect.h"
 #include "console/console.h"
@@ -71,7 +73,8 @@ class Shell {
   int Loop();
 
  private:
-  bool Dispatch(const char* line);  // false when the shell is to end
+  bool Guarded(const char* line);   // false when the shell is to end
+  bool Dispatch(const char* line);  // the same, memory failures left to Guarded
   void ProgramLine();
   void List();
   void RunProgram();
@@ -112,8 +115,21 @@ int Shell::Loop() {
     }
     if (n < 0) continue;
     history_.Append(std::string_view(line, static_cast<size_t>(n)));
-    if (!Dispatch(line)) return 0;
+    if (!Guarded(line)) return 0;
   }
+}
+
+// Memory that cannot be had ends the command, not the shell; the program stays.
+bool Shell::Guarded(const char* line) {
+  try {
+    return Dispatch(line);
+  } catch (const std::bad_alloc&) {
+  } catch (const std::length_error&) {
+  }
+  con_.Printf("%s\n", MessageOf(err::kNoMemory));
+  SetParseError(0);
+  ClearError();
+  return true;
 }
 
 bool Shell::Dispatch(const char* line) {
@@ -324,7 +340,6 @@ void Shell::Get(const char* line) {
     con_.Printf("Unable to open %s.\n", name.c_str());
     return;
   }
-  prog_.reset();
   NewProgram(LoadProgram(file, name, true));
   if (g_err.parse != 0 && g_err.parse != err::kEndOfFile)
     con_.Printf("%s (%u)\n", MessageOf(g_err.parse), g_err.parse);
@@ -498,17 +513,24 @@ int RunShell() {
 int RunFile(const char* path) {
   Console& con = TheConsole();
   SourceFile file;
-  if (!file.Open(path)) {
+  if (!file.Open(path, SourceFile::Kind::kAny)) {
     PrintBanner();
     con.Printf("\nUnable to open %s.\n", path);
     con.Flush();
     return -1;
   }
-  std::unique_ptr<Program> prog = LoadProgram(file, path, true);
-  if (prog->BadLines() == 0 && (g_err.parse == 0 || g_err.parse == err::kEndOfFile)) {
-    ErrorCode code = Link(*prog);
-    if (!code) code = Run(*prog, false);
-    if (code) ReportRunError(true);
+  try {
+    std::unique_ptr<Program> prog = LoadProgram(file, path, true);
+    if (prog->BadLines() == 0 && (g_err.parse == 0 || g_err.parse == err::kEndOfFile)) {
+      ErrorCode code = Link(*prog);
+      if (!code) code = Run(*prog, false);
+      if (code) ReportRunError(true);
+    }
+  } catch (const std::bad_alloc&) {
+    ClearError();
+    SetErrorFile(nullptr);
+    SetRunError(err::kNoMemory);
+    ReportRunError(true);
   }
   con.Flush();
   return 0;

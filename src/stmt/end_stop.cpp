@@ -1,7 +1,6 @@
 // END, STOP and SLEEP: the statements that end or pause a run.
-#include <chrono>
-#include <thread>
-
+#include "console/console.h"
+#include "platform/signals.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -23,7 +22,8 @@ class StopStmt final : public Statement {
   void List(std::string& out) const override { out += "STOP"; }
 };
 
-// Pauses for whole milliseconds; the break flag is looked at only afterwards.
+// Pauses for whole milliseconds; the break flag is looked at only afterwards,
+// but a signal that ends the process cuts the pause short.
 class SleepStmt final : public Statement {
  public:
   explicit SleepStmt(NumericExpPtr time) : time_(std::move(time)) {}
@@ -31,7 +31,9 @@ class SleepStmt final : public Statement {
     float ms = time_->Evaluate();
     if (g_err.run) return successor_;
     if (!(ms >= 1.0f)) return Fail(err::kArgOutOfRange);
-    std::this_thread::sleep_for(std::chrono::milliseconds(static_cast<int64_t>(ms)));
+    TheConsole().Flush();  // what was printed before the pause is seen during it
+    // Beyond 2^50 ms (35,000 years) every pause is the same.
+    PauseMs(ms < 0x1p50f ? static_cast<uint64_t>(ms) : uint64_t{1} << 50);
     return successor_;
   }
   TokenCode Code() const override { return tok::kSleep; }

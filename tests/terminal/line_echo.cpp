@@ -2,11 +2,11 @@
 #include <cstring>
 
 #include "console/console.h"
-#include "platform/break_handler.h"
+#include "platform/signals.h"
 
 int main() {
   InstallConsole(MakeProcessConsole());
-  InstallBreakHandler();
+  InstallSignalHandlers(false);
   Console& con = TheConsole();
   char line[Console::kLineMax + 1];
   for (;;) {

@@ -3,6 +3,8 @@
 #include "shell/loader.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -149,7 +151,7 @@ TEST_F(Loader, InterpreterLineIsSkippedAndSavedBack) {
   ASSERT_EQ(SaveProgram(*prog, path, false), 0);
   std::ifstream in(path);
   std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(saved, "#!/usr/bin/env basic\n\tPRINT 1\n\t?STOP X\n\t?#!x\n");
+  EXPECT_EQ(saved, "#!/usr/bin/env basic\n\tPRINT 1\n\tSTOP X\n\t#!x\n");  // bad lines as typed
 }
 
 // Numbers that renumbering would not give back survive a plain SAVE and GET.
@@ -259,6 +261,140 @@ TEST_F(Loader, MissingFileFromTheCommandLine) {
   EXPECT_EQ(out_.rfind("\nVelo Basic V0.94.0.154 ", 0), 0u);
   EXPECT_NE(Out().find("\n\nUnable to open " + (dir_ / "none.bas").string() + ".\n"),
             std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// A bad line is saved as typed: each SAVE and GET gives back the same file.
+TEST_F(Loader, BadLinesSurviveSaveAndGet) {
+  auto prog = Load(Write("bad.bas", "10 REM a\n20 STOP X\nREM c\n"));
+  prog->NumberUnnumbered();
+  std::string first = (dir_ / "first.bas").string(), second = (dir_ / "second.bas").string();
+  ASSERT_EQ(SaveProgram(*prog, first, true), 0);
+  EXPECT_EQ(ReadFile(first), "   10 REM a\n   20 STOP X\n   30 REM c\n");
+  prog = Load(first);
+  ASSERT_EQ(SaveProgram(*prog, second, true), 0);
+  EXPECT_EQ(ReadFile(second), ReadFile(first));
+  EXPECT_EQ(Listing(*prog), "   10   REM a\n   20   ?STOP X\n   30   REM c\n");
+}
+
+// Memory stays bounded: an endless line or file stops the load with a message,
+// keeping the lines before it.
+TEST_F(Loader, EndlessLinesAndFilesStopTheLoad) {
+  auto prog = Load(Write("wide.bas", "10 REM\n20 REM " + std::string(70000, 'w') + "\n30 END\n"));
+  EXPECT_EQ(Out(), "Line too long in file line 2\nUnable to load program.\n");
+  EXPECT_EQ(g_err.parse, 6u);
+  EXPECT_NE(prog->Find(10), nullptr);
+  EXPECT_EQ(prog->Find(20), nullptr);
+  out_.clear();
+  std::string huge;
+  for (int i = 0; i < 300000; ++i) huge += "REM " + std::string(56, 'h') + "\n";  // 18 MB
+  prog = Load(Write("huge.bas", huge));
+  EXPECT_EQ(Out(), "Not enough memory in file line 275037\nUnable to load program.\n");
+  EXPECT_EQ(g_err.parse, 3u);
+  SourceFile lines;
+  ASSERT_TRUE(lines.Open(Write("lines.bas", std::string(SourceFile::kMaxLines + 5, '\n')).c_str()));
+  std::string line;
+  while (lines.GetLine(line)) {
+  }
+  EXPECT_EQ(lines.LineCount(), SourceFile::kMaxLines);
+  EXPECT_EQ(lines.Limit(), 3u);
+}
+
+// GET never waits: a FIFO without a writer, a folder and a device are refused
+// at once. The command line takes pipes and devices but no folder.
+TEST_F(Loader, GetOpensRegularFilesOnly) {
+  std::string fifo = (dir_ / "fifo").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  SourceFile file;
+  EXPECT_FALSE(file.Open(fifo.c_str()));
+  EXPECT_FALSE(file.Open(dir_.c_str()));
+  EXPECT_FALSE(file.Open("/dev/zero"));
+  EXPECT_FALSE(file.Open(dir_.c_str(), SourceFile::Kind::kAny));
+  SourceFile zeros;
+  ASSERT_TRUE(zeros.Open("/dev/zero", SourceFile::Kind::kAny));
+  auto prog = LoadProgram(zeros, "/dev/zero", true);  // skipped NUL bytes count in a line
+  EXPECT_EQ(Out(), "Line too long in file line 1\nUnable to load program.\n");
+  // A read that fails ends the file with a whole line of report.
+  out_.clear();
+  SourceFile mem;
+  ASSERT_TRUE(mem.Open("/proc/self/mem"));
+  std::string line;
+  EXPECT_FALSE(mem.GetLine(line));
+  EXPECT_EQ(Out(), "File read error in line 0\n");
+}
+
+TEST_F(Loader, CommandLineRunsFromAPipe) {
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  std::string text = "10 PRINT \"PIPED\"\n";
+  ASSERT_EQ(write(fds[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  close(fds[1]);
+  EXPECT_EQ(RunFile(("/dev/fd/" + std::to_string(fds[0])).c_str()), 0);
+  close(fds[0]);
+  EXPECT_EQ(Out(), "PIPED\n");
+}
+
+// SAVE replaces regular files only: a link's target is replaced and the link
+// stays; a FIFO or folder is refused; a device is written in place; the new
+// file keeps the old one's permission bits.
+TEST_F(Loader, SaveTargets) {
+  auto prog = Load(Write("in.bas", "10 PRINT 1\n"));
+  std::string real = Write("real.bas", "old"), link = (dir_ / "link.bas").string();
+  ASSERT_EQ(chmod(real.c_str(), 0640), 0);
+  ASSERT_EQ(symlink("real.bas", link.c_str()), 0);
+  ASSERT_EQ(SaveProgram(*prog, link, true), 0);
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(ReadFile(real), "   10 PRINT 1\n");
+  EXPECT_EQ(fs::status(real).permissions(), fs::perms(0640));
+  std::string fifo = (dir_ / "fifo").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_NE(SaveProgram(*prog, fifo, true), 0);
+  EXPECT_TRUE(fs::is_fifo(fifo));
+  EXPECT_NE(SaveProgram(*prog, dir_.string(), true), 0);
+  EXPECT_EQ(SaveProgram(*prog, "/dev/null", true), 0);
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_NE(SaveProgram(*prog, "/dev/full", true), 0);
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+  EXPECT_EQ(Out(), "Cannot open " + fifo + " for output.\nCannot open " + dir_.string() +
+                       " for output.\nCannot open /dev/full for output.\n");
+  EXPECT_EQ(fs::directory_iterator(dir_)->path().filename().string().find(".saving~"),
+            std::string::npos);
+}
+
+// A file its user may not write is not replaced: root is checked as another user.
+TEST_F(Loader, SaveKeepsAReadOnlyFile) {
+  std::string path = Write("ro.bas", "10 REM keep\n");
+  ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+  ASSERT_EQ(chmod(dir_.c_str(), 0777), 0);
+  auto prog = Load(Write("in.bas", "10 PRINT 1\n"));
+  pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    if (geteuid() == 0 && setresuid(65534, 65534, 65534) != 0) _exit(2);
+    _exit(SaveProgram(*prog, path, true) != 0 ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_EQ(ReadFile(path), "10 REM keep\n");
+}
+
+// Unnumbered lines after the last numbers take the numbers below 999999; only
+// as many lines before them move down as needed, their references with them.
+TEST_F(Loader, NumbersStayBelowTheLimit) {
+  auto prog = Load(Write("top.bas", "999990 GOTO 999998\n999998 PRINT 1\nREM a\nREM b\n"));
+  EXPECT_TRUE(prog->NumberUnnumbered());
+  EXPECT_EQ(Listing(*prog),
+            "999990   GOTO 999997\n999997   PRINT 1\n999998   REM a\n999999   REM b\n");
+  EXPECT_EQ(Link(*prog), 0u);
 }
 
 }  // namespace

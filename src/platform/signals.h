@@ -1,0 +1,26 @@
+// The process's signals: Ctrl+C breaks, SIGTERM and SIGHUP end the process
+// cleanly at the main thread's next check, SIGPIPE never kills it.
+#pragma once
+#include <cstdint>
+
+// Installs the handlers. In a command-line run, lost output ends the process
+// quietly (as SIGPIPE would); the shell instead goes on with its input.
+void InstallSignalHandlers(bool outputLossEnds);
+
+// What flushes the process's output before it ends or when the flush timer is due.
+void SetFlushHook(void (*flush)());
+
+// Standard output is gone (its reader closed it): ends a command-line run.
+void OutputLost();
+
+// Buffered output calls this when it holds bytes: within 100 ms the flush
+// hook runs at the main thread's next break check.
+inline bool g_flushTimerArmed = false;
+void ArmFlushTimer();
+inline void NoteOutputPending() {
+  if (!g_flushTimerArmed) [[unlikely]]
+    ArmFlushTimer();
+}
+
+// Sleeps ms milliseconds in short slices; an ending signal cuts it short.
+void PauseMs(uint64_t ms);

@@ -1,0 +1,64 @@
+// Program files through the loader, the numbering of unnumbered lines, the
+// link and a run bounded by a statement budget; then the listing must read
+// back to itself.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "fuzz_support.h"
+#include "platform/break_flag.h"
+#include "shell/loader.h"
+#include "shell/program.h"
+#include "shell/run.h"
+
+namespace {
+
+std::unique_ptr<Program> Load(const char* bytes, size_t size) {
+  int fd = memfd_create("fuzz.bas", 0);
+  if (fd < 0) std::abort();
+  for (size_t done = 0; done < size;) {
+    ssize_t w = write(fd, bytes + done, size - done);
+    if (w <= 0) std::abort();
+    done += static_cast<size_t>(w);
+  }
+  SourceFile file;
+  std::string path = "/proc/self/fd/" + std::to_string(fd);
+  if (!file.Open(path.c_str())) std::abort();
+  close(fd);
+  auto prog = LoadProgram(file, "fuzz.bas", true);
+  prog->NumberUnnumbered();
+  return prog;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::EnterScratchFolder();
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size > 256 * 1024) return -1;
+  fuzz::UseConsole("");
+  auto prog = Load(reinterpret_cast<const char*>(data), size);
+  ErrorCode stop = g_err.parse;
+  std::string saved = SavedText(*prog, true);
+  if (prog->BadLines() == 0 && (stop == 0 || stop == kEndOfFile)) {
+    if (!Link(*prog)) {
+      g_fuzzBudget = fuzz::kStatementBudget;
+      Run(*prog, true);
+      g_fuzzBudget = 0;
+    }
+  }
+  fuzz::ResetState();
+  // What SAVE wrote, GET reads back the same, unless the load stopped early.
+  if (stop == 0 || stop == kEndOfFile) {
+    auto again = Load(saved.data(), saved.size());
+    if (SavedText(*again, true) != saved) std::abort();
+  }
+  fuzz::ResetState();
+  return 0;
+}
