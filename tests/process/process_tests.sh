@@ -11,7 +11,7 @@ failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 # Sanitizers reserve terabytes of address space: memory limits cannot apply.
 sanitized=0
-grep -q AddressSanitizer "$basic" && sanitized=1
+grep -qa __asan_init "$basic" && sanitized=1
 
 # Seconds since the epoch, with fractions.
 now() { date +%s.%N; }
