@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   auto prog = Load(reinterpret_cast<const char*>(data), size);
   ErrorCode stop = g_err.parse;
   std::string saved = SavedText(*prog, true);
-  if (prog->BadLines() == 0 && (stop == 0 || stop == kEndOfFile)) {
+  if (prog->BadLines() == 0 && (stop == 0 || stop == err::kEndOfFile)) {
     if (!Link(*prog)) {
       g_fuzzBudget = fuzz::kStatementBudget;
       Run(*prog, true);
@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   fuzz::ResetState();
   // What SAVE wrote, GET reads back the same, unless the load stopped early.
-  if (stop == 0 || stop == kEndOfFile) {
+  if (stop == 0 || stop == err::kEndOfFile) {
     auto again = Load(saved.data(), saved.size());
     if (SavedText(*again, true) != saved) std::abort();
   }
