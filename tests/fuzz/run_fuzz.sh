@@ -31,6 +31,13 @@ seed() {  # target folder
       for bas in "$root"/tests/sessions/files/*.bas; do cp "$bas" "$2/files-$(basename "$bas")"; done ;;
     input_fuzz) cp "$root"/tests/programs/*.stdin "$here"/seeds/input/* "$2"/ ;;
     escape_fuzz) cp "$here"/seeds/escape/* "$2"/ ;;
+    using_format_fuzz)
+      cp "$here"/seeds/using_format/* "$2"/
+      # The formats of the test programs' IMAGE lines, one file each.
+      grep -h '^[0-9]* *IMAGE ' "$root"/tests/programs/*.bas | sed 's/^[0-9]* *IMAGE //' | {
+        n=0
+        while IFS= read -r line; do n=$((n + 1)) && printf '%s' "$line" >"$2/image-$n"; done
+      } ;;
   esac
 }
 
