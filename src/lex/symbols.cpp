@@ -1,19 +1,37 @@
 #include "lex/symbols.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
-std::string_view Clip(std::string_view name) { return name.substr(0, VarToken::kMaxName); }
+// A name cut to its first 63 characters; a string name keeps its "$", so that
+// its listing reads back as the same kind of name.
+class Clip {
+ public:
+  explicit Clip(std::string_view name) {
+    bool dollar = name.size() > VarToken::kMaxName && name.back() == '$';
+    size_ = std::min(name.size(), VarToken::kMaxName);
+    std::memcpy(text_, name.data(), size_);
+    if (dollar) text_[size_++] = '$';
+  }
+  std::string_view View() const { return {text_, size_}; }
+
+ private:
+  char text_[VarToken::kMaxName + 1];
+  size_t size_;
+};
 }  // namespace
 
 VarToken::VarToken(std::string_view name, TokenCode code) : code_(code) {
-  name = Clip(name);
+  Clip clipped(name);
+  name = clipped.View();
   std::memcpy(name_, name.data(), name.size());
   name_[name.size()] = '\0';
 }
 
 const VarToken* SymbolTable::Find(std::string_view name) const {
-  name = Clip(name);
+  Clip clipped(name);
+  name = clipped.View();
   for (const auto& entry : buckets_[BucketOf(name)])
     if (SameName(entry->Name(), name)) return entry.get();
   return nullptr;

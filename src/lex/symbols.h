@@ -10,7 +10,8 @@
 class VarToken final : public KeyToken {
  public:
   // Names are cut to this many characters, on entry and on lookup alike, so a
-  // longer name always finds the symbol that its first 63 characters name.
+  // longer name always finds the symbol that its first 63 characters name (a
+  // string name keeps its "$").
   static constexpr size_t kMaxName = 63;
 
   VarToken(std::string_view name, TokenCode code);
@@ -19,7 +20,7 @@ class VarToken final : public KeyToken {
   unsigned Ordinal() const { return code_ & 0x0FFF; }
 
  private:
-  char name_[kMaxName + 1];  // the spelling of first use
+  char name_[kMaxName + 2];  // the spelling of first use, with a string name's "$"
   TokenCode code_;
 };
 

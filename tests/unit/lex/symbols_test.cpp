@@ -46,6 +46,18 @@ TEST(Symbols, TheFirst63CharactersDecide) {
   EXPECT_EQ(table.Count(), 1u);
 }
 
+// A cut string name still lists as a string name, so its program reads back.
+TEST(Symbols, ACutStringNameKeepsItsDollar) {
+  std::string base(63, 's');
+  SymbolTable table(0x2000);
+  const VarToken* v = table.FindOrCreate(base + "tail$");
+  ASSERT_NE(v, nullptr);
+  EXPECT_EQ(std::string(v->Name()), base + "$");
+  EXPECT_EQ(table.Find(base + "$"), v);
+  EXPECT_EQ(table.Find(base + "other$"), v);
+  EXPECT_EQ(table.Find(base), nullptr);
+}
+
 TEST(Symbols, ATableHoldsAtMost4096Names) {
   SymbolTable table(0x6000);
   for (int i = 0; i < 4096; ++i) {
