@@ -110,8 +110,8 @@ class VerFunc final : public NumericArgFunc {
 
 class TypFunc final : public NumericArgFunc {
  public:
-  TypFunc(const KeyToken* key, NumericExpPtr arg, Program& prog)
-      : NumericArgFunc(key, std::move(arg)), prog_(prog) {}
+  TypFunc(const KeyToken* key, NumericExpPtr arg, const DataReader& data)
+      : NumericArgFunc(key, std::move(arg)), data_(data) {}
   size_t Size() const override { return sizeof *this + arg_->Size(); }
   float Evaluate() override {
     static constexpr float kNumber = 1, kString = 2, kNone = 3;
@@ -119,13 +119,13 @@ class TypFunc final : public NumericArgFunc {
       SetRunError(err::kNotSupported);  // the file forms
       return kNone;
     }
-    const DataItem* item = prog_.data.item;
+    const DataItem* item = data_.item;
     if (!item) return kNone;
     return item->type == tok::kStrVar ? kString : kNumber;
   }
 
  private:
-  Program& prog_;
+  const DataReader& data_;
 };
 
 // The argument is kept for listing only: these never evaluate it.
@@ -151,7 +151,7 @@ NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, Program
     case tok::kFnVer:
       return std::make_unique<VerFunc>(key, std::move(arg));
     case tok::kFnTyp:
-      return std::make_unique<TypFunc>(key, std::move(arg), prog);
+      return std::make_unique<TypFunc>(key, std::move(arg), prog.run.data);
     case tok::kFnTid:
       return std::make_unique<TidFunc>(key, std::move(arg));
     case tok::kFnBrk:

@@ -152,13 +152,8 @@ bool ParseArguments(Program& p, std::vector<Argument>* out) {
 // The shared part of the call nodes: binding, and entering and leaving a frame.
 class UserCall final {
  public:
-  // Positions of the data stacks saved by a call.
-  struct Saved {
-    size_t numTop, strTop, numBase, strBase;
-  };
-
   UserCall(const VarToken* name, std::vector<Argument> args, Program& prog)
-      : name_(name), args_(std::move(args)), prog_(prog) {}
+      : name_(name), args_(std::move(args)), frames_(prog.run.calls) {}
 
   size_t Size() const {
     size_t size = args_.size() * sizeof(Argument);
@@ -186,45 +181,35 @@ class UserCall final {
     if (found == prog.functions.end()) return err::kUndefinedFunction;
     if (!Compatible((*found)->Params())) return err::kIncompatibleArgs;
     spec_ = *found;
-    // Every call site is active at most once, so the frames of all sites bound
-    // bound the stack depth: growing here means a call never allocates.
-    prog.numStack.resize(prog.numStack.size() + spec_->Params().NumericCount());
-    prog.strStack.resize(prog.strStack.size() + spec_->Params().StringCount());
+    frames_.Reserve(spec_->Params().NumericCount(), spec_->Params().StringCount());
     return 0;
   }
 
-  // Reserves the frame and stores the arguments, evaluated in the caller's
+  // Takes the frame and stores the arguments, evaluated in the caller's
   // frame; false (with 1010 raised) when this call site is already active.
-  bool Enter(Saved* saved) {
+  bool Enter(CallFrames::Saved* saved) {
     if (active_ != 0) {
       SetRunError(err::kRecursion);  // the error ends the run; the site stays as it was
       return false;
     }
     ++active_;
-    *saved = {prog_.numTop, prog_.strTop, prog_.numBase, prog_.strBase};
     const ParameterSpec& params = spec_->Params();
-    size_t numFrame = prog_.numTop, strFrame = prog_.strTop;
-    prog_.numTop += params.NumericCount();
-    prog_.strTop += params.StringCount();
+    CallFrames::Frame frame = frames_.Push(params.NumericCount(), params.StringCount(), saved);
     for (size_t i = 0; i < args_.size(); ++i) {
       const ParameterSpec::Parameter& param = params.Parameters()[i];
       if (param.isString) {
-        StringValue& slot = prog_.strStack[strFrame + param.slot];
+        StringValue& slot = frames_.String(frame, param.slot);
         HoldIn(slot, args_[i].text->Evaluate(slot));
       } else {
-        prog_.numStack[numFrame + param.slot] = args_[i].number->Evaluate();
+        frames_.Number(frame, param.slot) = args_[i].number->Evaluate();
       }
     }
-    prog_.numBase = numFrame;
-    prog_.strBase = strFrame;
+    frames_.Enter(frame);
     return true;
   }
 
-  void Leave(const Saved& saved) {
-    prog_.numTop = saved.numTop;
-    prog_.strTop = saved.strTop;
-    prog_.numBase = saved.numBase;
-    prog_.strBase = saved.strBase;
+  void Leave(const CallFrames::Saved& saved) {
+    frames_.Pop(saved);
     --active_;
   }
 
@@ -240,7 +225,7 @@ class UserCall final {
 
   const VarToken* name_;
   std::vector<Argument> args_;
-  Program& prog_;
+  CallFrames& frames_;
   uint32_t active_ = 0;
   const FuncSpec* spec_ = nullptr;  // bound by the link pass
 };
@@ -254,7 +239,7 @@ class NumericUserFunc final : public NumericExp, public Reference {
   void List(std::string& out) const override { call_.List(out); }
   ErrorCode Link(Program& prog) override { return call_.Link(prog); }
   float Evaluate() override {
-    UserCall::Saved saved;
+    CallFrames::Saved saved;
     if (!call_.Enter(&saved)) return 0.0f;
     float value = static_cast<const FuncNumericSpec*>(call_.Spec())->Body().Evaluate();
     call_.Leave(saved);
@@ -274,7 +259,7 @@ class StringUserFunc final : public StringExp, public Reference {
   void List(std::string& out) const override { call_.List(out); }
   ErrorCode Link(Program& prog) override { return call_.Link(prog); }
   std::string_view Evaluate(StringValue& work) override {
-    UserCall::Saved saved;
+    CallFrames::Saved saved;
     if (!call_.Enter(&saved)) return {};
     // The result may lie in a parameter slot, which the next call reuses.
     HoldIn(work, static_cast<const FuncStringSpec*>(call_.Spec())->Body().Evaluate(work));

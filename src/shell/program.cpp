@@ -86,7 +86,7 @@ void Program::InsertTyped(std::vector<StatementPtr> line) {
 
 void Program::Forget(Statement* stmt) {
   if (stmt->ParseError()) --badLines_;
-  data.Forget(stmt);
+  run.data.Forget(stmt);
 }
 
 void Program::Delete(Statement* stmt) {
@@ -349,15 +349,15 @@ bool Program::NumberUnnumbered() {
       continue;
     }
     // A run of unnumbered lines: count them and find the numbered line after.
-    std::vector<Statement*> run;
+    std::vector<Statement*> unnumbered;
     Statement* t = s;
     for (; t && t != endMark_; t = t->Next()) {
       if (t->Hidden()) continue;
       if (t->Number() != 0) break;
-      run.push_back(t);
+      unnumbered.push_back(t);
     }
     Statement* following = t != endMark_ ? t : nullptr;
-    uint64_t count = run.size();
+    uint64_t count = unnumbered.size();
     int64_t gap = following ? int64_t{following->Number()} - prev - 1 : 999998 - int64_t{prev};
     if (gap >= static_cast<int64_t>(count)) {
       uint64_t step = static_cast<uint64_t>(gap) / count;
@@ -365,9 +365,9 @@ bool Program::NumberUnnumbered() {
         step = 10;
       else if (step >= 6)
         step = 5;  // a quotient of exactly 10 gives 5 too
-      for (Statement* r : run) r->SetNumber(prev += static_cast<uint32_t>(step));
+      for (Statement* r : unnumbered) r->SetNumber(prev += static_cast<uint32_t>(step));
     } else {
-      for (Statement* r : run) r->SetNumber(prev += 10);
+      for (Statement* r : unnumbered) r->SetNumber(prev += 10);
       // Move the following statements up only as far as needed. The last one
       // moves first, so a reference never lands on a number still to be moved.
       std::vector<std::pair<Statement*, uint32_t>> moves;
@@ -426,13 +426,11 @@ void Program::ClearStorage() {
   numArrays_.clear();
   strSimple_.clear();
   strArrays_.clear();
-  data = DataReader{};
-  frame = RunFrame{};
-  numTop = strTop = numBase = strBase = 0;
+  run.data = DataReader{};
+  run.frame = RunFrame{};
   // DEF statements register again and call sites size the stacks again at each link.
   functions.clear();
-  numStack.clear();
-  strStack.clear();
+  run.calls.Clear();
 }
 
 namespace {

@@ -9,12 +9,11 @@
 
 #include "base/base_list.h"
 #include "lex/tokenizer.h"
+#include "stmt/run_state.h"
 #include "stmt/statement.h"
 #include "value/variables.h"
 
-class DataStmt;
 class FuncSpec;
-struct DataItem;
 
 // A referenced statement: by number or by label name. Statements that jump
 // share one object per target, so renumbering moves every reference at once.
@@ -65,35 +64,6 @@ TargetRef ParseTarget(Program& prog);
 // "THEN <stmtId>", as ON END and ON ERROR end: an empty ref with the parse
 // error set (position restored) when THEN or the identifier is missing.
 TargetRef ParseThenTarget(Program& prog);
-
-// One constant of a DATA statement.
-struct DataItem {
-  TokenCode type;  // tok::kNumVar for a number, tok::kStrVar for a string
-  float number;
-  std::string text;
-};
-
-// Where READ takes its next item.
-struct DataReader {
-  DataStmt* first = nullptr;
-  DataStmt* last = nullptr;  // last DATA chained so far, while linking
-  DataStmt* current = nullptr;
-  const DataItem* item = nullptr;  // next item to read; null when exhausted
-  Statement* endTarget = nullptr;  // ON END THEN target, or null
-
-  // stmt is about to be deleted: a position in it moves to the first DATA
-  // statement after it, so that TYP never reads a deleted item (data.cpp).
-  void Forget(Statement* stmt);
-};
-
-// The run state of a running program.
-struct RunFrame {
-  static constexpr uint32_t kMaxGosub = 100;
-  Statement* current = nullptr;
-  uint32_t failLocation = 0;
-  uint32_t depth = 0;  // GOSUB nesting
-  Statement* returns[kMaxGosub] = {};
-};
 
 class Program final : public Tokenizer {
  public:
@@ -155,19 +125,13 @@ class Program final : public Tokenizer {
   std::unique_ptr<StringScriptData>& StringArray(const VarToken* name);
   size_t HeapSize() const;
 
-  // --- User functions: definitions by symbol, and the parameter data stacks.
+  // --- User functions: definitions by symbol.
   std::vector<FuncSpec*> functions;       // registered by DEF statements at link
   const ParameterList* params = nullptr;  // while a DEF body is parsed
-  std::vector<float> numStack;            // parameter frames of active calls
-  std::vector<StringValue> strStack;
-  size_t numTop = 0, strTop = 0;    // first free slot
-  size_t numBase = 0, strBase = 0;  // frame of the innermost active call
 
   // --- Run state.
-  DataReader data;
-  RunFrame frame;
-  Statement* current = nullptr;  // set when a run starts; kept after it ends
-  bool HasRun() const { return current != nullptr; }
+  RunState run;
+  bool HasRun() const { return run.current != nullptr; }
 
  private:
   std::string name_;

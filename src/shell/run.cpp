@@ -78,12 +78,16 @@ void BindTargets(Program& prog) {
   }
 }
 
-ErrorCode Run(Program& prog, bool keepsProgram) {
+ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram, TheConsole()); }
+
+ErrorCode Run(Program& prog, bool keepsProgram, Console& con) {
   TestAndClearBreak();
-  prog.frame = RunFrame{};
+  RunState& run = prog.run;
+  run.frame = RunFrame{};
+  run.console = &con;
   Statement* s = prog.First();
   if (!s->IsExecutable()) s = s->NextExecutable();
-  prog.current = s;
+  run.current = s;
   const char* fileName = !keepsProgram && !prog.Name().empty() ? prog.Name().c_str() : nullptr;
 
   try {
@@ -98,20 +102,20 @@ ErrorCode Run(Program& prog, bool keepsProgram) {
         Raise(err::kBreak, s->Location());
         break;
       }
-      prog.frame.failLocation = s->Location();
+      run.frame.failLocation = s->Location();
       SetErrorFile(fileName);
-      if (g_err.run != err::kStop && !HasLocation()) g_err.location = prog.frame.failLocation;
+      if (g_err.run != err::kStop && !HasLocation()) g_err.location = run.frame.failLocation;
       break;
     }
   } catch (const std::bad_alloc&) {
     // Memory ran out inside a statement: the run ends there, as with any error.
-    prog.frame.failLocation = s->Location();
+    run.frame.failLocation = s->Location();
     SetErrorFile(fileName);
     Raise(err::kNoMemory, s->Location());
-    prog.numTop = prog.strTop = prog.numBase = prog.strBase = 0;  // calls left mid-way
+    run.calls.Unwind();  // calls left mid-way
   }
-  prog.current = s;
-  TheConsole().RestoreDefaults();
+  run.current = s;
+  con.RestoreDefaults();
   if (g_err.run == err::kStop || g_err.run == err::kEnd) {
     SetParseError(0);
     ClearError();

@@ -2,6 +2,7 @@
 #pragma once
 #include "base/errors.h"
 
+class Console;
 class Program;
 
 // Resets the run-time state and binds every reference; 0 or the first error,
@@ -10,9 +11,11 @@ ErrorCode Link(Program& prog);
 // Points every statement reference at the statement that now carries its
 // number or label; immediate statements use it on a program edited since.
 void BindTargets(Program& prog);
-// Runs a linked program to its end. 0 when it ended by END, STOP or its end
-// mark, else the error that ended it. keepsProgram is false for programs run
-// from a file, whose errors then name the file.
+// Runs a linked program to its end on con (the process console when none is
+// given). 0 when it ended by END, STOP or its end mark, else the error that
+// ended it. keepsProgram is false for programs run from a file, whose errors
+// then name the file.
+ErrorCode Run(Program& prog, bool keepsProgram, Console& con);
 ErrorCode Run(Program& prog, bool keepsProgram);
 
 // Prints the current run-time error as one line; statementWording selects

@@ -12,7 +12,7 @@ namespace {
 // Pushes the return point and goes to the target; past the limit the error
 // ends the run on arrival.
 Statement* CallSubroutine(Program& prog, Statement* self, Statement* returnTo, Statement* target) {
-  RunFrame& frame = prog.frame;
+  RunFrame& frame = prog.run.frame;
   if (frame.depth >= RunFrame::kMaxGosub) {
     Raise(err::kGosubTooDeep, self->Location());
     return target;
@@ -68,7 +68,7 @@ class ReturnStmt final : public Statement {
  public:
   explicit ReturnStmt(Program& prog) : prog_(prog) {}
   Statement* Execute() override {
-    RunFrame& frame = prog_.frame;
+    RunFrame& frame = prog_.run.frame;
     if (frame.depth == 0) return Fail(err::kReturnWithoutGosub);
     Statement* back = frame.returns[--frame.depth];
     return back ? back : successor_;

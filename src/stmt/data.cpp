@@ -225,21 +225,21 @@ StatementPtr ParseData(Program& p) {
       return nullptr;
     }
   } while (p.Accept(tok::kComma));
-  return std::make_unique<DataStmt>(p.data, std::move(items));
+  return std::make_unique<DataStmt>(p.run.data, std::move(items));
 }
 
 StatementPtr ParseRead(Program& p) {
   TargetList targets;
   if (!ParseTargetList(p, &targets)) return nullptr;
-  return std::make_unique<ReadDataStmt>(p.data, std::move(targets));
+  return std::make_unique<ReadDataStmt>(p.run.data, std::move(targets));
 }
 
 // RESTORE, RESTORE <stmtIdentifier>, or RESTORE <selector> OF <targets>.
 StatementPtr ParseRestore(Program& p) {
-  if (AtLineEnd(p)) return std::make_unique<RestoreAllStmt>(p.data);
+  if (AtLineEnd(p)) return std::make_unique<RestoreAllStmt>(p.run.data);
   size_t mark = p.Mark();
   if (TargetRef target = ParseTarget(p); target && AtLineEnd(p))
-    return std::make_unique<RestoreLineStmt>(p.data, std::move(target));
+    return std::make_unique<RestoreLineStmt>(p.run.data, std::move(target));
   p.Restore(mark);
   if (NumericExpPtr selector = ParseNumericExp(p); selector && p.Peek() == tok::kOf)
     return ParseRestoreOf(p, std::move(selector));
@@ -251,7 +251,7 @@ StatementPtr ParseRestore(Program& p) {
 StatementPtr ParseOnEnd(Program& p) {
   TargetRef target = ParseThenTarget(p);
   if (!target) return nullptr;
-  return std::make_unique<OnEndDataStmt>(p.data, std::move(target));
+  return std::make_unique<OnEndDataStmt>(p.run.data, std::move(target));
 }
 
-StatementPtr ParseOffEnd(Program& p) { return std::make_unique<OffEndStmt>(p.data); }
+StatementPtr ParseOffEnd(Program& p) { return std::make_unique<OffEndStmt>(p.run.data); }

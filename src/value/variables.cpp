@@ -104,8 +104,8 @@ ErrorCode NumericSimpleVar::Link(Program& prog) {
 }
 
 void NumericParmVar::List(std::string& out) const { out += name_->Name(); }
-float NumericParmVar::Evaluate() { return ReadValue(prog_.numStack[prog_.numBase + slot_]); }
-void NumericParmVar::Assign(float value) { prog_.numStack[prog_.numBase + slot_] = value; }
+float NumericParmVar::Evaluate() { return ReadValue(frames_.Number(slot_)); }
+void NumericParmVar::Assign(float value) { frames_.Number(slot_) = value; }
 
 size_t NumericScriptVar::Size() const { return sizeof *this + SubscriptsSize(subscripts_); }
 
@@ -139,7 +139,7 @@ ErrorCode StringSimpleVar::Link(Program& prog) {
 }
 
 void StringParmVar::List(std::string& out) const { out += name_->Name(); }
-StringValue* StringParmVar::Locate() { return &prog_.strStack[prog_.strBase + slot_]; }
+StringValue* StringParmVar::Locate() { return &frames_.String(slot_); }
 
 size_t StringScriptVar::Size() const { return sizeof *this + SubscriptsSize(subscripts_); }
 
@@ -288,7 +288,7 @@ std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
     if (p.params) {
       int slot = p.params->NumericSlot(name);
       if (slot >= 0)
-        return Register<NumericVar>(p, std::make_unique<NumericParmVar>(name, p, slot));
+        return Register<NumericVar>(p, std::make_unique<NumericParmVar>(name, p.run.calls, slot));
     }
     return Register<NumericVar>(p, std::make_unique<NumericSimpleVar>(name));
   }
@@ -310,7 +310,7 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
   if (tok::Category(code) == tok::kStrVar && name) {
     int slot = p.params ? p.params->StringSlot(name) : -1;
     if (slot >= 0)
-      base = std::make_unique<StringParmVar>(name, p, slot);
+      base = std::make_unique<StringParmVar>(name, p.run.calls, slot);
     else
       base = std::make_unique<StringSimpleVar>(name);
   } else if (tok::Category(code) == tok::kStrArray && name) {

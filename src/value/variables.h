@@ -7,6 +7,7 @@
 
 #include "base/base_list.h"
 #include "base/errors.h"
+#include "expr/call_frames.h"
 #include "expr/string_exp.h"
 #include "value/numeric.h"
 #include "value/string_value.h"
@@ -61,8 +62,8 @@ class NumericSimpleVar final : public NumericVar {
 // A numeric parameter inside a DEF body: a slot of the running call's frame.
 class NumericParmVar final : public NumericVar {
  public:
-  NumericParmVar(const VarToken* name, Program& prog, unsigned slot)
-      : NumericVar(name), prog_(prog), slot_(slot) {}
+  NumericParmVar(const VarToken* name, CallFrames& frames, unsigned slot)
+      : NumericVar(name), frames_(frames), slot_(slot) {}
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override;
   float Evaluate() override;
@@ -70,7 +71,7 @@ class NumericParmVar final : public NumericVar {
   ErrorCode Link(Program&) override { return 0; }
 
  private:
-  Program& prog_;
+  CallFrames& frames_;
   unsigned slot_;
 };
 
@@ -133,15 +134,15 @@ class StringSimpleVar final : public StringWholeVar {
 // A string parameter inside a DEF body.
 class StringParmVar final : public StringWholeVar {
  public:
-  StringParmVar(const VarToken* name, Program& prog, unsigned slot)
-      : StringWholeVar(name), prog_(prog), slot_(slot) {}
+  StringParmVar(const VarToken* name, CallFrames& frames, unsigned slot)
+      : StringWholeVar(name), frames_(frames), slot_(slot) {}
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override;
   StringValue* Locate() override;
   ErrorCode Link(Program&) override { return 0; }
 
  private:
-  Program& prog_;
+  CallFrames& frames_;
   unsigned slot_;
 };
 

@@ -121,13 +121,13 @@ TEST_F(FunctionsTest, TimeSelectors) {
 TEST_F(FunctionsTest, TypeOfNextData) {
   EXPECT_EQ(Eval("TYP(0)"), 3.0f);
   DataItem number{tok::kNumVar, 1.0f, ""}, text{tok::kStrVar, 0.0f, "A"};
-  prog_.data.item = &number;
+  prog_.run.data.item = &number;
   EXPECT_EQ(Eval("TYP(0)"), 1.0f);
-  prog_.data.item = &text;
+  prog_.run.data.item = &text;
   EXPECT_EQ(Eval("TYP(0.2)"), 2.0f);
   EXPECT_EQ(Eval("TYP(1)"), 3.0f);
   EXPECT_EQ(g_err.run, 4u);
-  prog_.data.item = nullptr;
+  prog_.run.data.item = nullptr;
 }
 
 TEST_F(FunctionsTest, UnevaluatedArguments) {

@@ -43,8 +43,8 @@ TEST(Data, OutOfDataAndWrongType) {
   // The mismatched item stays consumed; RESTORE rewinds to it.
   auto typed = Build({"10 DATA \"x\",5,\"y\"", "20 READ A"});
   EXPECT_EQ(LinkAndRun(*typed), 1012u);
-  ASSERT_TRUE(typed->data.item);
-  EXPECT_EQ(typed->data.item->number, 5.0f);
+  ASSERT_TRUE(typed->run.data.item);
+  EXPECT_EQ(typed->run.data.item->number, 5.0f);
   auto rewound = Build({"10 DATA \"x\",5", "20 READ S$", "30 RESTORE", "40 READ A"});
   EXPECT_EQ(LinkAndRun(*rewound), 1012u);
   EXPECT_EQ(loc::Number(g_err.location), 40u);
@@ -114,8 +114,8 @@ TEST(Data, RestoreOfAMissingStatementFailsTheLink) {
 TEST(Data, TypeOfNextItem) {
   auto prog = Build({"10 DATA 1,\"a\"", "20 READ A"});
   ASSERT_EQ(LinkAndRun(*prog), 0u);
-  ASSERT_TRUE(prog->data.item);
-  EXPECT_EQ(prog->data.item->type, tok::kStrVar);
+  ASSERT_TRUE(prog->run.data.item);
+  EXPECT_EQ(prog->run.data.item->type, tok::kStrVar);
 }
 
 }  // namespace
