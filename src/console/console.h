@@ -7,12 +7,14 @@
 #include <string>
 #include <string_view>
 
+#include "base/print_sink.h"
+
 class ConsoleBackend;
 class KeySource;
 class LineEditor;
 class LineHistory;
 
-class Console {
+class Console final : public PrintSink {
  public:
   // Line reader results below zero.
   static constexpr int kBreakRead = -1;   // Ctrl+C while waiting; run error set to 4010
@@ -26,16 +28,18 @@ class Console {
   // Escape-aware put, used by PRINT and PRINT USING.
   void PutEsc(char c);
   void WriteEsc(std::string_view text);
+  void Print(char c) override { PutEsc(c); }
+  void Print(std::string_view text) override { WriteEsc(text); }
   // Plain put, used for the system's own messages, listings and help.
   void PutPlain(char c);
   void Write(std::string_view text);
   // Formats and writes through the plain put; long results are never cut.
   void Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-  int Column() const;  // characters written since the last carriage return
-  int Width() const;   // line width for PRINT; 0 is unlimited
+  int Column() const override;  // characters written since the last carriage return
+  int Width() const override;   // line width for PRINT; 0 is unlimited
   void SetWidth(int width);
-  int CursorX() const;  // the model cursor's true column
+  int CursorX() const override;  // the model cursor's true column
   int CursorY() const;
   uint16_t Attribute() const { return attr_; }
   int Columns() const { return cols_; }

@@ -1,18 +1,14 @@
 // Functions that read the system or the run state: TIM, VER, TYP, TID, BRK, SYS.
-#include <unistd.h>
-
 #include <chrono>
 #include <ctime>
 
 #include "expr/function_nodes.h"
+#include "platform/system_clock.h"
 #include "shell/program.h"
 
 namespace {
 
 using Clock = std::chrono::system_clock;
-
-// TIM(11) counts from here: the process start.
-const Clock::time_point g_started = Clock::now();
 
 // Calendar seconds and their milliseconds.
 struct WallTime {
@@ -41,7 +37,8 @@ class TimFunc final : public NumericArgFunc {
   TimFunc(const KeyToken* key, NumericExpPtr arg) : NumericArgFunc(key, std::move(arg)) {}
   float Evaluate() override {
     int n = Selector(arg_->Evaluate());
-    WallTime now = Split(Clock::now());
+    const SystemClock& clock = TheClock();
+    WallTime now = Split(clock.Now());
     auto seconds = static_cast<time_t>(now.seconds);
     std::tm local{};
     localtime_r(&seconds, &local);
@@ -81,7 +78,7 @@ class TimFunc final : public NumericArgFunc {
         value = now.seconds;
         break;
       case 11: {
-        WallTime start = Split(g_started);
+        WallTime start = Split(clock.Started());
         value = (now.seconds - start.seconds) * 1000 - start.millis + now.millis;
         break;
       }
@@ -133,7 +130,7 @@ class TidFunc final : public NumericArgFunc {
  public:
   TidFunc(const KeyToken* key, NumericExpPtr arg) : NumericArgFunc(key, std::move(arg)) {}
   // The task is the interpreter's process.
-  float Evaluate() override { return static_cast<float>(static_cast<uint32_t>(getpid())); }
+  float Evaluate() override { return static_cast<float>(TheClock().ProcessId()); }
 };
 
 class ZeroFunc final : public NumericArgFunc {

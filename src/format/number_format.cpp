@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "console/console.h"
+#include "base/print_sink.h"
 #include "format/print_list.h"
 
 namespace {
@@ -57,11 +57,10 @@ size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve
   return length < 0 ? 0 : static_cast<size_t>(length);
 }
 
-void PrintNumber(float value) {
+void PrintNumber(PrintSink& out, float value) {
   char buffer[kNumberBufferSize];
   int reserve;
   size_t length = FormatNumber(value, buffer, &reserve);
-  Console& con = TheConsole();
-  FoldLine(con, reserve);
-  for (size_t i = 0; i < length; ++i) con.PutEsc(buffer[i]);
+  FoldLine(out, reserve);
+  out.Print(std::string_view(buffer, length));
 }

@@ -3,10 +3,12 @@
 #pragma once
 #include <cstddef>
 
+class PrintSink;
+
 constexpr size_t kNumberBufferSize = 260;
 
 // Writes the formatted value into buffer (NUL-terminated) and returns its length.
 size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve);
 
-// Folds the line if needed and writes the formatted value through the escape path.
-void PrintNumber(float value);
+// Folds the line if needed and prints the formatted value.
+void PrintNumber(PrintSink& out, float value);

@@ -3,33 +3,32 @@
 #include <climits>
 #include <cmath>
 
-#include "console/console.h"
+#include "base/print_sink.h"
 #include "format/number_format.h"
 #include "shell/program.h"
 
-void NewPrintLine(Console& con) {
-  con.PutEsc('\r');
-  con.PutEsc('\n');
+void NewPrintLine(PrintSink& out) {
+  out.Print('\r');
+  out.Print('\n');
 }
 
-void FoldLine(Console& con, int reserve) {
-  int width = con.Width();
-  int column = con.Column();
-  if (width > 0 && column != 0 && column + reserve > width) NewPrintLine(con);
+void FoldLine(PrintSink& out, int reserve) {
+  int width = out.Width();
+  int column = out.Column();
+  if (width > 0 && column != 0 && column + reserve > width) NewPrintLine(out);
 }
 
-void CommaZone(Console& con) {
-  if (con.CursorX() > 60) {
-    NewPrintLine(con);
+void CommaZone(PrintSink& out) {
+  if (out.CursorX() > 60) {
+    NewPrintLine(out);
     return;
   }
-  while (con.Column() % 15 != 0) con.PutEsc(' ');
+  while (out.Column() % 15 != 0) out.Print(' ');
 }
 
-void PrintText(std::string_view text) {
-  Console& con = TheConsole();
-  if (!text.empty()) FoldLine(con, static_cast<int>(std::min<size_t>(text.size(), INT_MAX)));
-  for (char c : text) con.PutEsc(c);
+void PrintText(PrintSink& out, std::string_view text) {
+  if (!text.empty()) FoldLine(out, static_cast<int>(std::min<size_t>(text.size(), INT_MAX)));
+  out.Print(text);
 }
 
 namespace {
@@ -62,10 +61,10 @@ class PrintCommaSpecGroup final : public PrintSpecGroup {
     right_->List(out);
   }
   int Kind() const override { return static_cast<int>(tok::kComma); }
-  void Execute() override {
-    left_->Execute();
-    CommaZone(TheConsole());
-    right_->Execute();
+  void Execute(PrintSink& out) override {
+    left_->Execute(out);
+    CommaZone(out);
+    right_->Execute(out);
   }
 };
 
@@ -78,9 +77,9 @@ class PrintSemiSpecGroup final : public PrintSpecGroup {
     right_->List(out);
   }
   int Kind() const override { return static_cast<int>(tok::kSemicolon); }
-  void Execute() override {
-    left_->Execute();
-    right_->Execute();
+  void Execute(PrintSink& out) override {
+    left_->Execute(out);
+    right_->Execute(out);
   }
 };
 
@@ -94,9 +93,9 @@ class PrintNoneSpecGroup final : public PrintSpecGroup {
     right_->List(out);
   }
   int Kind() const override { return 0; }
-  void Execute() override {
-    left_->Execute();
-    right_->Execute();
+  void Execute(PrintSink& out) override {
+    left_->Execute(out);
+    right_->Execute(out);
   }
 };
 
@@ -108,7 +107,7 @@ class PrintNumericSpec final : public PrintSpecList {
   size_t Size() const override { return sizeof *this + exp_->Size(); }
   void List(std::string& out) const override { exp_->List(out); }
   int Kind() const override { return exp_->Kind(); }
-  void Execute() override { PrintNumber(exp_->Evaluate()); }
+  void Execute(PrintSink& out) override { PrintNumber(out, exp_->Evaluate()); }
 
  private:
   NumericExpPtr exp_;
@@ -122,7 +121,7 @@ class PrintStringSpec final : public PrintSpecList {
   int Kind() const override {
     return exp_->Kind() == StringExp::kLiteral ? StringExp::kLiteral : kStringItem;
   }
-  void Execute() override { PrintText(exp_->Evaluate(work_)); }
+  void Execute(PrintSink& out) override { PrintText(out, exp_->Evaluate(work_)); }
 
  private:
   StringExpPtr exp_;
@@ -152,17 +151,16 @@ class PrintFuncTabSpec final : public PrintFunctionSpec {
   using PrintFunctionSpec::PrintFunctionSpec;
   void List(std::string& out) const override { ListCall(out, "TAB"); }
   int Kind() const override { return static_cast<int>(tok::kFnTab); }
-  void Execute() override {
+  void Execute(PrintSink& out) override {
     int n = Magnitude();
-    Console& con = TheConsole();
-    int column = con.Column();
+    int column = out.Column();
     if (n < 1 || n < column) return;
-    int width = con.Width();
+    int width = out.Width();
     if (width > 0 && column != 0 && n > column && n > width) {
-      NewPrintLine(con);
+      NewPrintLine(out);
       return;
     }
-    while (con.Column() < n) con.PutEsc(' ');
+    while (out.Column() < n) out.Print(' ');
   }
 };
 
@@ -171,17 +169,16 @@ class PrintFuncSpaSpec final : public PrintFunctionSpec {
   using PrintFunctionSpec::PrintFunctionSpec;
   void List(std::string& out) const override { ListCall(out, "SPA"); }
   int Kind() const override { return static_cast<int>(tok::kFnSpa); }
-  void Execute() override {
+  void Execute(PrintSink& out) override {
     int n = Magnitude();
     if (n < 1) return;
-    Console& con = TheConsole();
-    int width = con.Width();
-    int column = con.Column();
+    int width = out.Width();
+    int column = out.Column();
     if (width > 0 && column != 0 && static_cast<long>(column) + n > width) {
-      NewPrintLine(con);
+      NewPrintLine(out);
       return;
     }
-    for (int i = 0; i < n; ++i) con.PutEsc(' ');
+    for (int i = 0; i < n; ++i) out.Print(' ');
   }
 };
 
@@ -191,13 +188,12 @@ class PrintFuncLinSpec final : public PrintFunctionSpec {
   void List(std::string& out) const override { ListCall(out, "LIN"); }
   int Kind() const override { return static_cast<int>(tok::kFnLin); }
   // LIN(n) starts n new lines; a negative count only feeds lines.
-  void Execute() override {
+  void Execute(PrintSink& out) override {
     int n = IntegerPart(std::floor(double{arg_->Evaluate()} + 0.5));
     if (n == 0) return;
-    Console& con = TheConsole();
-    if (n > 0) con.PutEsc('\r');
+    if (n > 0) out.Print('\r');
     long count = n > 0 ? n : -static_cast<long>(n);
-    for (long i = 0; i < count; ++i) con.PutEsc('\n');
+    for (long i = 0; i < count; ++i) out.Print('\n');
   }
 };
 
@@ -208,7 +204,7 @@ class PrintNewLineSpec final : public PrintSpecList {
   size_t Size() const override { return sizeof *this; }
   void List(std::string&) const override {}
   int Kind() const override { return kNewLineEnd; }
-  void Execute() override { NewPrintLine(TheConsole()); }
+  void Execute(PrintSink& out) override { NewPrintLine(out); }
 };
 
 class PrintEndSemiSpec final : public PrintSpecList {
@@ -216,7 +212,7 @@ class PrintEndSemiSpec final : public PrintSpecList {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += ';'; }
   int Kind() const override { return kSemiEnd; }
-  void Execute() override {}
+  void Execute(PrintSink&) override {}
 };
 
 class PrintEndCommaSpec final : public PrintSpecList {
@@ -224,7 +220,7 @@ class PrintEndCommaSpec final : public PrintSpecList {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += ','; }
   int Kind() const override { return kCommaEnd; }
-  void Execute() override { CommaZone(TheConsole()); }
+  void Execute(PrintSink& out) override { CommaZone(out); }
 };
 
 // TAB, SPA or LIN with its parenthesised argument (the name consumed).

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-class Console;
+class PrintSink;
 class Program;
 
 class PrintSpecList {
@@ -18,7 +18,7 @@ class PrintSpecList {
   virtual size_t Size() const = 0;
   virtual void List(std::string& out) const = 0;
   virtual int Kind() const = 0;
-  virtual void Execute() = 0;
+  virtual void Execute(PrintSink& out) = 0;
 };
 using PrintSpecPtr = std::unique_ptr<PrintSpecList>;
 
@@ -28,8 +28,8 @@ using PrintSpecPtr = std::unique_ptr<PrintSpecList>;
 bool ParsePrintList(Program& prog, PrintSpecPtr* items, PrintSpecPtr* end);
 
 // Layout steps shared by PRINT, PRINT USING and MAT PRINT.
-void NewPrintLine(Console& con);  // CR then LF through the escape path
+void NewPrintLine(PrintSink& out);  // CR then LF
 // Starts a new line when the item of `reserve` characters would pass the width.
-void FoldLine(Console& con, int reserve);
-void CommaZone(Console& con);  // next 15-column zone, or a new line past column 60
-void PrintText(std::string_view text);
+void FoldLine(PrintSink& out, int reserve);
+void CommaZone(PrintSink& out);  // next 15-column zone, or a new line past column 60
+void PrintText(PrintSink& out, std::string_view text);  // folded first when it would not fit

@@ -286,6 +286,7 @@ void Shell::ImmediatePrint() {
   ErrorCode left = g_err.run;
   SetRunError(0);
   SetParseError(0);
+  prog_->run.console = &con_;
   Reference* lastRef = prog_->References().Last();
   StatementPtr stmt = ParsePrint(*prog_);
   if (stmt && prog_->GetToken() != tok::kEndOfLine) {

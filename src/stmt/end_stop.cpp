@@ -26,12 +26,12 @@ class StopStmt final : public Statement {
 // but a signal that ends the process cuts the pause short.
 class SleepStmt final : public Statement {
  public:
-  explicit SleepStmt(NumericExpPtr time) : time_(std::move(time)) {}
+  SleepStmt(RunState& run, NumericExpPtr time) : run_(run), time_(std::move(time)) {}
   Statement* Execute() override {
     float ms = time_->Evaluate();
     if (g_err.run) return successor_;
     if (!(ms >= 1.0f)) return Fail(err::kArgOutOfRange);
-    TheConsole().Flush();  // what was printed before the pause is seen during it
+    run_.console->Flush();  // what was printed before the pause is seen during it
     // Beyond 2^50 ms (35,000 years) every pause is the same.
     PauseMs(ms < 0x1p50f ? static_cast<uint64_t>(ms) : uint64_t{1} << 50);
     return successor_;
@@ -44,6 +44,7 @@ class SleepStmt final : public Statement {
   }
 
  private:
+  RunState& run_;
   NumericExpPtr time_;
 };
 
@@ -67,5 +68,5 @@ StatementPtr ParseSleep(Program& p) {
     if (!g_err.parse) SetParseError(err::kBadNumericExp);
     return nullptr;
   }
-  return std::make_unique<SleepStmt>(std::move(time));
+  return std::make_unique<SleepStmt>(p.run, std::move(time));
 }

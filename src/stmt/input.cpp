@@ -18,7 +18,7 @@ float HexValue(std::string_view text) {
 
 class InputStmt : public Statement {
  public:
-  explicit InputStmt(TargetList targets) : targets_(std::move(targets)) {}
+  InputStmt(RunState& run, TargetList targets) : run_(run), targets_(std::move(targets)) {}
   Statement* Execute() override;
   TokenCode Code() const override { return tok::kInput; }
   size_t Size() const override { return sizeof *this + TargetsSize(targets_); }
@@ -42,13 +42,14 @@ class InputStmt : public Statement {
   // empty line, a break, or the end of input with 2004 raised).
   bool Ask(Typed& typed, const char* prompt);
 
+  RunState& run_;  // its console asks and reads
   TargetList targets_;
 };
 
 class InputPromptStmt final : public InputStmt {
  public:
-  InputPromptStmt(std::string_view prompt, TargetList targets)
-      : InputStmt(std::move(targets)), prompt_(prompt) {}
+  InputPromptStmt(RunState& run, std::string_view prompt, TargetList targets)
+      : InputStmt(run, std::move(targets)), prompt_(prompt) {}
   size_t Size() const override { return InputStmt::Size() + prompt_.size(); }
 
  protected:
@@ -63,7 +64,7 @@ class InputPromptStmt final : public InputStmt {
 };
 
 bool InputStmt::Ask(Typed& typed, const char* prompt) {
-  Console& con = TheConsole();
+  Console& con = *run_.console;
   con.Printf("%s", prompt);
   int n = con.ReadLine(typed.line);
   if (n == Console::kEndOfInput) Raise(err::kFileEnd, Location());
@@ -73,7 +74,7 @@ bool InputStmt::Ask(Typed& typed, const char* prompt) {
 }
 
 Statement* InputStmt::Execute() {
-  Console& con = TheConsole();
+  Console& con = *run_.console;
   Typed typed;
   InputScanner& scanner = typed.scanner;
   if (!Ask(typed, Prompt())) return successor_;
@@ -149,12 +150,12 @@ StatementPtr ParseInput(Program& p) {
       p.Restore(mark);
       return nullptr;
     }
-    return std::make_unique<InputPromptStmt>(prompt, std::move(targets));
+    return std::make_unique<InputPromptStmt>(p.run, prompt, std::move(targets));
   }
   if (!ParseTargetList(p, &targets) || targets.empty()) {
     SetParseError(err::kBadTarget);
     p.Restore(mark);
     return nullptr;
   }
-  return std::make_unique<InputStmt>(std::move(targets));
+  return std::make_unique<InputStmt>(p.run, std::move(targets));
 }

@@ -6,16 +6,22 @@
 
 namespace {
 
+// PRINT writes to the console the run is bound to.
 class PrintStmt : public Statement {
  public:
+  explicit PrintStmt(RunState& run) : run_(run) {}
   TokenCode Code() const override { return tok::kPrint; }
+
+ protected:
+  RunState& run_;
 };
 
 // A bare PRINT ends the line through the plain path, as the shell's own output does.
 class PrintConsoleStmt final : public PrintStmt {
  public:
+  using PrintStmt::PrintStmt;
   Statement* Execute() override {
-    TheConsole().PutPlain('\n');
+    run_.console->PutPlain('\n');
     return successor_;
   }
   size_t Size() const override { return sizeof *this; }
@@ -24,11 +30,12 @@ class PrintConsoleStmt final : public PrintStmt {
 
 class PrintConsoleListStmt final : public PrintStmt {
  public:
-  PrintConsoleListStmt(PrintSpecPtr items, PrintSpecPtr end)
-      : items_(std::move(items)), end_(std::move(end)) {}
+  PrintConsoleListStmt(RunState& run, PrintSpecPtr items, PrintSpecPtr end)
+      : PrintStmt(run), items_(std::move(items)), end_(std::move(end)) {}
   Statement* Execute() override {
-    items_->Execute();
-    end_->Execute();
+    Console& con = *run_.console;
+    items_->Execute(con);
+    end_->Execute(con);
     return successor_;
   }
   size_t Size() const override { return sizeof *this + items_->Size() + end_->Size(); }
@@ -47,9 +54,10 @@ class PrintConsoleListStmt final : public PrintStmt {
 
 StatementPtr ParsePrint(Program& p) {
   TokenCode next = p.Peek();
-  if (next == tok::kEndOfLine || next == tok::kComment) return std::make_unique<PrintConsoleStmt>();
+  if (next == tok::kEndOfLine || next == tok::kComment)
+    return std::make_unique<PrintConsoleStmt>(p.run);
   if (p.Accept(tok::kUsing)) return ParsePrintUsing(p);
   PrintSpecPtr items, end;
   if (!ParsePrintList(p, &items, &end)) return nullptr;
-  return std::make_unique<PrintConsoleListStmt>(std::move(items), std::move(end));
+  return std::make_unique<PrintConsoleListStmt>(p.run, std::move(items), std::move(end));
 }

@@ -85,10 +85,11 @@ class UsingStringPart final : public UsingPart {
   bool read_ = false;
 };
 
+// Writes its line to the console the run is bound to.
 class PrintConsoleUsingStmt final : public Statement {
  public:
-  PrintConsoleUsingStmt(std::unique_ptr<UsingPart> part, UsingSpecList values)
-      : part_(std::move(part)), values_(std::move(values)) {}
+  PrintConsoleUsingStmt(RunState& run, std::unique_ptr<UsingPart> part, UsingSpecList values)
+      : run_(run), part_(std::move(part)), values_(std::move(values)) {}
   TokenCode Code() const override { return tok::kPrint; }
   size_t Size() const override {
     return sizeof *this + part_->Size() + values_.Size() + runner_.Size();
@@ -108,13 +109,14 @@ class PrintConsoleUsingStmt final : public Statement {
     const ImageFormat& format = part_->Format();
     values_.Rewind();
     ErrorCode code = runner_.Run(format, values_);
-    TheConsole().WriteEsc(runner_.Line());
+    run_.console->Print(runner_.Line());
     runner_.Trim();
     if (code && !g_err.run) return Fail(code);
     return successor_;
   }
 
  private:
+  RunState& run_;
   std::unique_ptr<UsingPart> part_;
   UsingSpecList values_;
   FormatRunner runner_;
@@ -149,5 +151,5 @@ StatementPtr ParsePrintUsing(Program& p) {
     }
     if (!values.Parse(p)) return nullptr;
   }
-  return std::make_unique<PrintConsoleUsingStmt>(std::move(part), std::move(values));
+  return std::make_unique<PrintConsoleUsingStmt>(p.run, std::move(part), std::move(values));
 }

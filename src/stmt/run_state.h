@@ -41,9 +41,9 @@ struct RunFrame {
 };
 
 struct RunState {
-  CallFrames calls;                // parameters of the active DEF calls
-  DataReader data;                 // the DATA position
-  RunFrame frame;                  // GOSUB returns
-  Statement* current = nullptr;    // set when a run starts; kept after it ends
-  Console* console = nullptr;      // PRINT and INPUT go here; bound by each run
+  CallFrames calls;              // parameters of the active DEF calls
+  DataReader data;               // the DATA position
+  RunFrame frame;                // GOSUB returns
+  Statement* current = nullptr;  // set when a run starts; kept after it ends
+  Console* console = nullptr;    // PRINT and INPUT go here; bound by each run
 };

@@ -1,10 +1,12 @@
 // Built-in numeric functions: parsing, listing and evaluation.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <string>
 
 #include "expr/random.h"
+#include "platform/system_clock.h"
 #include "shell/program.h"
 #include "test_program.h"
 
@@ -116,6 +118,27 @@ TEST_F(FunctionsTest, TimeSelectors) {
   EXPECT_EQ(g_err.run, 0u);
   EXPECT_EQ(Eval("TIM(11.6)"), 0.0f);
   EXPECT_EQ(g_err.run, 1014u);
+}
+
+// A clock stopped at 1700000000.250 seconds, started 1.35 seconds earlier.
+class FixedClock final : public SystemClock {
+ public:
+  TimePoint Now() const override { return At(1700000000250); }
+  TimePoint Started() const override { return At(1699999998900); }
+  uint32_t ProcessId() const override { return 4242; }
+
+ private:
+  static TimePoint At(int64_t ms) { return TimePoint(std::chrono::milliseconds(ms)); }
+};
+
+TEST_F(FunctionsTest, TimeAndTaskReadTheInstalledClock) {
+  auto old = InstallClock(std::make_unique<FixedClock>());
+  EXPECT_EQ(Eval("TIM(10)"), 1700000000.0f);
+  EXPECT_EQ(Eval("TIM(11)"), 1350.0f);
+  EXPECT_EQ(Eval("TIM(4)"), 20.0f);  // seconds past the minute, in every time zone
+  EXPECT_EQ(Eval("TID(0)"), 4242.0f);
+  InstallClock(std::move(old));
+  EXPECT_EQ(Eval("TID(0)"), static_cast<float>(getpid()));
 }
 
 TEST_F(FunctionsTest, TypeOfNextData) {

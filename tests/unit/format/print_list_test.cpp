@@ -1,5 +1,8 @@
+#include "format/print_list.h"
+
 #include <gtest/gtest.h>
 
+#include "base/print_sink.h"
 #include "print_session.h"
 
 namespace {
@@ -36,6 +39,9 @@ TEST(PrintList, FoldsAtTheWidth) {
   // A longer item is written whole on a line of its own.
   EXPECT_EQ(Output({"10 PRINT \"AB\";\"0123456789012345678901\""}, 20),
             "AB\n0123456789012345678901\n");
+  // TAB to the width itself pads; only past the width does it start a new line.
+  EXPECT_EQ(Output({"10 PRINT \"AB\";TAB(20);\"X\""}, 20), "AB" + std::string(18, ' ') + "\nX\n");
+  EXPECT_EQ(Output({"10 PRINT \"AB\";TAB(21);\"X\""}, 20), "AB\nX\n");
   // Numbers fold on their reserve, not on their printed length.
   EXPECT_EQ(Output({"10 PRINT \"0123456789ABCDEF\";5"}, 20), "0123456789ABCDEF 5    \n");
   EXPECT_EQ(Output({"10 PRINT \"0123456789ABCDEFG\";5"}, 20), "0123456789ABCDEFG\n 5    \n");
@@ -85,6 +91,48 @@ TEST(PrintList, ParseErrors) {
   EXPECT_EQ(ParseErrorOf("PRINT TAB(5"), 29u);
   EXPECT_EQ(ParseErrorOf("PRINT TAB()"), 35u);
   EXPECT_EQ(ParseErrorOf("PRINT A ! note"), 0u);
+}
+
+}  // namespace
+
+namespace {
+
+// A sink with no console behind it: the column is all it knows of the line.
+class StringSink final : public PrintSink {
+ public:
+  explicit StringSink(int width) : width_(width) {}
+  void Print(char c) override {
+    text += c;
+    column_ = c == '\r' || c == '\n' ? 0 : column_ + 1;
+  }
+  void Print(std::string_view s) override {
+    for (char c : s) Print(c);
+  }
+  int Column() const override { return column_; }
+  int Width() const override { return width_; }
+  int CursorX() const override { return column_; }
+
+  std::string text;
+
+ private:
+  int width_;
+  int column_ = 0;
+};
+
+// The items print on the sink they are given, with the console's layout rules.
+TEST(PrintList, ItemsPrintOnTheSinkTheyAreGiven) {
+  test_program::ConsoleCapture console;
+  Program prog;
+  prog.StartLine("\"AB\",-2.5;TAB(20);\"0123456789\"");
+  PrintSpecPtr items, end;
+  ASSERT_TRUE(ParsePrintList(prog, &items, &end));
+  StringSink sink(25);
+  items->Execute(sink);
+  end->Execute(sink);
+  // TAB(20) is behind the column; the last item folds at the sink's width.
+  EXPECT_EQ(sink.text,
+            "AB" + std::string(13, ' ') + "-2.5" + std::string(7, ' ') + "\r\n0123456789\r\n");
+  EXPECT_EQ(console.Text(), "");
 }
 
 }  // namespace
