@@ -1,6 +1,7 @@
 // Intrusive two-way lists: statements, variable references and the like
 // carry their own links, so insertion and removal never allocate.
 #pragma once
+#include <memory>
 
 template <typename T, bool Owns>
 class BaseList_T;
@@ -33,7 +34,8 @@ class BaseNode_T {
   bool sentinel_ = false;  // the list head, which is no T
 };
 
-// A sentinel-headed circular list. An owning list deletes the nodes left in it.
+// A sentinel-headed circular list. An owning list takes its nodes as
+// unique_ptr and is the only one to delete them: on Erase and at its end.
 template <typename T, bool Owns>
 class BaseList_T {
  public:
@@ -50,7 +52,34 @@ class BaseList_T {
   bool Empty() const { return head_.next_ == &head_; }
 
   // Links node before `before`, or at the end when before is null.
-  void InsertBefore(T* node, T* before) {
+  void InsertBefore(T* node, T* before) requires(!Owns) { Link(node, before); }
+  void Append(T* node) requires(!Owns) { Link(node, nullptr); }
+  // The owning forms: the list takes the node over.
+  T* InsertBefore(std::unique_ptr<T> node, T* before) requires Owns {
+    T* n = node.release();
+    Link(n, before);
+    return n;
+  }
+  T* Append(std::unique_ptr<T> node) requires Owns {
+    return InsertBefore(std::move(node), nullptr);
+  }
+  // Unlinks a node of this list and destroys it.
+  void Erase(T* node) requires Owns {
+    node->Unlink();
+    delete node;
+  }
+
+  void Clear() {
+    while (T* node = First()) {
+      if constexpr (Owns)
+        Erase(node);
+      else
+        node->Unlink();
+    }
+  }
+
+ private:
+  void Link(T* node, T* before) {
     BaseNode_T<T>* at = before ? static_cast<BaseNode_T<T>*>(before) : &head_;
     BaseNode_T<T>* n = node;
     n->next_ = at;
@@ -58,17 +87,7 @@ class BaseList_T {
     at->prev_->next_ = n;
     at->prev_ = n;
   }
-  void Append(T* node) { InsertBefore(node, nullptr); }
-  void Prepend(T* node) { InsertBefore(node, First()); }
 
-  void Clear() {
-    while (T* node = First()) {
-      node->Unlink();
-      if constexpr (Owns) delete node;
-    }
-  }
-
- private:
   struct Head final : BaseNode_T<T> {};
   Head head_;
 };

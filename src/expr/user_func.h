@@ -7,7 +7,7 @@
 
 #include "expr/string_exp.h"
 #include "lex/symbols.h"
-#include "value/variables.h"
+#include "expr/variables.h"
 
 // "(X,B$,...)": each parameter takes a slot of its kind in the call frame.
 class ParameterSpec final : public ParameterList {

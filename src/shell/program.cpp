@@ -17,9 +17,7 @@ void TargetLabel::List(std::string& out) const {
 
 Program::Program(std::string name) : name_(std::move(name)) {
   SetParseError(0);
-  auto mark = std::make_unique<EndMarkStmt>();
-  endMark_ = mark.get();
-  statements_.Append(mark.release());
+  endMark_ = statements_.Append(std::make_unique<EndMarkStmt>());
 }
 
 Program::~Program() {
@@ -56,7 +54,7 @@ void Program::Append(std::vector<StatementPtr> line) {
   Statement* head = line.front().get();
   for (auto& s : line) {
     if (s->ParseError()) ++badLines_;
-    statements_.InsertBefore(s.release(), endMark_);
+    statements_.InsertBefore(std::move(s), endMark_);
   }
   Index(head);
   linksCurrent_ = false;
@@ -78,7 +76,7 @@ void Program::InsertTyped(std::vector<StatementPtr> line) {
   Statement* head = line.front().get();
   for (auto& s : line) {
     if (s->ParseError()) ++badLines_;
-    statements_.InsertBefore(s.release(), before);
+    statements_.InsertBefore(std::move(s), before);
   }
   Index(head);
   linksCurrent_ = false;
@@ -98,12 +96,10 @@ void Program::Delete(Statement* stmt) {
     if (!next || next == endMark_) break;
     more = next->Followed();
     Forget(next);
-    next->Unlink();
-    delete next;
+    statements_.Erase(next);
   }
   Forget(stmt);
-  stmt->Unlink();
-  delete stmt;
+  statements_.Erase(stmt);
   linksCurrent_ = false;
   // DEF statements own what this table points to; the next link rebuilds it.
   functions.clear();

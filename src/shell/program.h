@@ -11,7 +11,7 @@
 #include "lex/tokenizer.h"
 #include "stmt/run_state.h"
 #include "stmt/statement.h"
-#include "value/variables.h"
+#include "expr/variables.h"
 
 class FuncSpec;
 

@@ -1,7 +1,6 @@
 #include "stmt/statement.h"
 
 #include "expr/numeric_exp.h"
-#include "shell/program.h"
 
 Statement* Statement::NextExecutable() const {
   Statement* s = Next();

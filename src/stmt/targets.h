@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "value/variables.h"
+#include "expr/variables.h"
 
 // One variable of a READ or INPUT list.
 class Target {

@@ -10,7 +10,7 @@
 #include "expr/call_frames.h"
 #include "expr/string_exp.h"
 #include "value/numeric.h"
-#include "value/string_value.h"
+#include "value/strings.h"
 
 class Statement;
 class VarToken;
@@ -158,7 +158,7 @@ class StringScriptVar final : public StringWholeVar {
  private:
   std::vector<NumericExpPtr> subscripts_;
   std::vector<float> values_;
-  struct StringScriptData* data_ = nullptr;
+  StringScriptData* data_ = nullptr;
 };
 
 // The selector after a string variable: [s], [s,e] or [s;n].
@@ -194,21 +194,6 @@ class StringSubVar final : public StringVar {
   std::unique_ptr<StringWholeVar> base_;
   std::unique_ptr<StringLimit> limit_;
 };
-
-struct StringSimpleData {
-  const VarToken* name;
-  StringValue value;
-};
-
-struct StringScriptData {
-  const VarToken* name;
-  DimensionList dims;
-  uint32_t count = 0;
-  std::unique_ptr<StringValue[]> elements;
-};
-
-ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
-                          std::unique_ptr<StringScriptData>* out);
 
 // Variable parsers: null with the position restored when the next token is
 // no variable of the kind (an error is stored only for a malformed one).

@@ -1,0 +1,21 @@
+#include "value/strings.h"
+
+#include <new>
+
+ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
+                          std::unique_ptr<StringScriptData>* out) {
+  double total = dims.Total();
+  if (total > kMaxElements) return err::kArrayTooBig;
+  auto data = std::make_unique<StringScriptData>();
+  data->name = name;
+  data->count = static_cast<uint32_t>(total);
+  data->dims = std::move(dims);
+  // Every element allocates a block of its own: a shortage there is error 3, not an abort.
+  try {
+    data->elements.reset(new StringValue[data->count ? data->count : 1]);
+  } catch (const std::bad_alloc&) {
+    return err::kNoMemory;
+  }
+  *out = std::move(data);
+  return 0;
+}
