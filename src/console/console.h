@@ -54,11 +54,18 @@ class Console final : public PrintSink {
   // Reads one line into line (room for kLineMax + 1 bytes, NUL-terminated) and
   // returns its length, or one of the negative results above.
   int ReadLine(char* line);
+  // The same within a time limit; elapsedSeconds gets the whole seconds taken, plus one.
   int ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds);
   // The lines read so far, which Up and Down bring back.
   LineHistory& History();
   // True when lines are typed key by key (a terminal), not read whole from a pipe.
   bool ReadsKeys() const;
+
+  // Milliseconds of a steady clock, which the timed reader measures with;
+  // tests give it a clock of their own.
+  using Clock = int64_t (*)();
+  static int64_t SteadyMs();
+  void SetClock(Clock clock) { clock_ = clock; }
 
  private:
   enum EscState : uint8_t { kPlain, kAfterEsc, kAfterBracket, kParams, kAddress };
@@ -81,6 +88,7 @@ class Console final : public PrintSink {
   std::unique_ptr<ConsoleBackend> out_;
   std::unique_ptr<KeySource> in_;
   std::unique_ptr<LineEditor> editor_;
+  Clock clock_ = SteadyMs;
   int width_ = 72;
   int column_ = 0;
   int cols_ = 80;

@@ -172,11 +172,12 @@ void LineEditor::Enter(const char* text, int n) {
   history_.Add(std::string_view(line_, static_cast<size_t>(n)));
 }
 
-namespace {
-int64_t NowMs() {
+int64_t Console::SteadyMs() {
   using namespace std::chrono;
   return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
+
+namespace {
 constexpr int kPollMs = 50;
 }  // namespace
 
@@ -193,7 +194,7 @@ int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
     }
     int wait = kPollMs;
     if (deadlineMs >= 0) {
-      int64_t left = deadlineMs - NowMs();
+      int64_t left = deadlineMs - clock_();
       if (left <= 0) {
         result = kTimedOut;
         break;
@@ -235,9 +236,9 @@ int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
 int Console::ReadLine(char* line) { return ReadLineUntil(line, -1); }
 
 int Console::ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds) {
-  int64_t start = NowMs();
+  int64_t start = clock_();
   int n = ReadLineUntil(line, start + static_cast<int64_t>(seconds) * 1000);
   if (n >= 0 && elapsedSeconds)
-    *elapsedSeconds = static_cast<unsigned>((NowMs() - start) / 1000 + 1);
+    *elapsedSeconds = static_cast<unsigned>((clock_() - start) / 1000 + 1);
   return n;
 }

@@ -68,6 +68,11 @@ template <typename Data>
 auto ElementOf(Data* data, std::vector<NumericExpPtr>& subscripts, std::vector<float>& values)
     -> decltype(&data->elements[0]) {
   EvaluateSubscripts(subscripts, values);
+  // MAT may have given the array another number of dimensions since the link.
+  if (data->dims.Count() != values.size()) [[unlikely]] {
+    if (!g_err.run) SetRunError(err::kDimensionMismatch);
+    return nullptr;
+  }
   int64_t index = ElementIndex(data->dims, values.data());
   if (index < 0) {
     if (!g_err.run) SetRunError(err::kSubscriptOutOfBounds);
@@ -153,6 +158,28 @@ ErrorCode StringScriptVar::Link(Program& prog) {
 }
 
 StringValue* StringScriptVar::Locate() { return ElementOf(data_, subscripts_, values_); }
+
+// --- Whole arrays.
+
+void NumericMatrixVar::List(std::string& out) const { out += name_->Name(); }
+
+ErrorCode NumericMatrixVar::Link(Program& prog) {
+  auto& slot = prog.NumericArray(name_);
+  if (!slot)
+    if (ErrorCode code = MakeNumericArray(name_, DimensionList({10}), &slot)) return code;
+  data_ = slot.get();
+  return 0;
+}
+
+void StringMatrixVar::List(std::string& out) const { out += name_->Name(); }
+
+ErrorCode StringMatrixVar::Link(Program& prog) {
+  auto& slot = prog.StringArray(name_);
+  if (!slot)
+    if (ErrorCode code = MakeStringArray(name_, DimensionList({10}), &slot)) return code;
+  data_ = slot.get();
+  return 0;
+}
 
 // --- Substrings.
 
@@ -328,4 +355,36 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
   }
   auto limit = std::make_unique<StringLimit>(form, std::move(start), std::move(second));
   return std::make_unique<StringSubVar>(std::move(base), std::move(limit));
+}
+
+namespace {
+
+// The array symbol of the name a token carries: "A" and "A(" name the same
+// array; a bracket after the name is a token of its own, left for the caller.
+template <typename Var>
+std::unique_ptr<Var> ParseMatrix(Program& p, TokenCode simple, TokenCode array) {
+  size_t mark = p.Mark();
+  TokenCode code = p.GetToken();
+  const VarToken* name = SymbolOf(p, code);
+  TokenCode category = tok::Category(code);
+  if (!name || (category != simple && category != array)) {
+    p.Restore(mark);
+    return nullptr;
+  }
+  if (category == simple) name = p.Table(array).FindOrCreate(name->Name());
+  if (!name) {  // the array table is full
+    p.Restore(mark);
+    return nullptr;
+  }
+  return Register(p, std::make_unique<Var>(name));
+}
+
+}  // namespace
+
+std::unique_ptr<NumericMatrixVar> ParseNumericMatrix(Program& p) {
+  return ParseMatrix<NumericMatrixVar>(p, tok::kNumVar, tok::kNumArray);
+}
+
+std::unique_ptr<StringMatrixVar> ParseStringMatrix(Program& p) {
+  return ParseMatrix<StringMatrixVar>(p, tok::kStrVar, tok::kStrArray);
 }

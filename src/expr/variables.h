@@ -195,7 +195,38 @@ class StringSubVar final : public StringVar {
   std::unique_ptr<StringLimit> limit_;
 };
 
+// A whole array as MAT statements name it, without subscripts. The link pass
+// binds it, creating an undeclared array with ten elements as a reference
+// with one subscript would.
+class NumericMatrixVar final : public Reference {
+ public:
+  explicit NumericMatrixVar(const VarToken* name) : name_(name) {}
+  ErrorCode Link(Program& prog) override;
+  void List(std::string& out) const;
+  NumericScriptData& Data() const { return *data_; }
+
+ private:
+  const VarToken* name_;  // a symbol of the array table
+  NumericScriptData* data_ = nullptr;
+};
+
+class StringMatrixVar final : public Reference {
+ public:
+  explicit StringMatrixVar(const VarToken* name) : name_(name) {}
+  ErrorCode Link(Program& prog) override;
+  void List(std::string& out) const;
+  StringScriptData& Data() const { return *data_; }
+
+ private:
+  const VarToken* name_;
+  StringScriptData* data_ = nullptr;
+};
+
 // Variable parsers: null with the position restored when the next token is
 // no variable of the kind (an error is stored only for a malformed one).
 std::unique_ptr<NumericVar> ParseNumericVar(Program& prog);
 std::unique_ptr<StringVar> ParseStringVar(Program& prog);
+// A whole array: a name alone, or a name that brackets follow (which are left
+// unread). Null with the position restored when no name of the kind is next.
+std::unique_ptr<NumericMatrixVar> ParseNumericMatrix(Program& prog);
+std::unique_ptr<StringMatrixVar> ParseStringMatrix(Program& prog);

@@ -158,11 +158,12 @@ constexpr const char* kMat[] = {
     "MAT <array> = <array> [<matOp> <array>] - <matOp> is +, - or *.",
     "MAT <array> = (<numericExp>) * <array>",
     "MAT <array> = TRN(<array>) - Transpose; INV(<array>) inverse.",
-    "MAT READ <array>[,<arrayList>]",
-    "MAT INPUT <array>[,<arrayList>]",
-    "MAT PRINT <array>[,<arrayList>] - ';' packs the elements.",
+    "MAT READ <array>[(<dims>)][,<arrayList>]",
+    "MAT INPUT <array>[(<dims>)][,<arrayList>]",
+    "MAT PRINT <array>[;<arrayList>] - ';' packs a row, ',' uses zones.",
     "String arrays: MAT A$ = B$, MAT A$ = ZER, READ, INPUT, PRINT.",
-    "New dimensions may not exceed the size the array was made with.",
+    "New dimensions may not exceed the size the array was made with;",
+    "INV of a singular matrix is the error \"Matrix is singular\".",
 };
 constexpr const char* kMoveTo[] = {
     "MOVETO @<gdiNumber>; <x>,<y>",

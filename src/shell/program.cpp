@@ -424,6 +424,7 @@ void Program::ClearStorage() {
   strArrays_.clear();
   run.data = DataReader{};
   run.frame = RunFrame{};
+  run.matrix = MatrixWork{};
   // DEF statements register again and call sites size the stacks again at each link.
   functions.clear();
   run.calls.Clear();
@@ -468,13 +469,13 @@ size_t Program::HeapSize() const {
   for (const auto& d : numSimple_)
     if (d) size += sizeof *d;
   for (const auto& d : numArrays_)
-    if (d) size += sizeof *d + d->count * sizeof(float);
+    if (d) size += sizeof *d + d->capacity * sizeof(float);
   for (const auto& d : strSimple_)
     if (d) size += sizeof *d + d->value.Capacity();
   for (const auto& d : strArrays_)
     if (d) {
       size += sizeof *d;
-      for (uint32_t i = 0; i < d->count; ++i)
+      for (uint32_t i = 0; i < d->capacity; ++i)
         size += sizeof(StringValue) + d->elements[i].Capacity();
     }
   return size;

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "base/base_list.h"
+#include "expr/variables.h"
 #include "lex/tokenizer.h"
 #include "stmt/run_state.h"
 #include "stmt/statement.h"
-#include "expr/variables.h"
 
 class FuncSpec;
 

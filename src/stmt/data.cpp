@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "shell/program.h"
+#include "stmt/data_reader.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
 
@@ -86,6 +87,12 @@ void DataReader::Forget(Statement* stmt) {
   if (Statement* next = stmt->Next()) next->RestoreHere();
 }
 
+const DataItem* TakeDataItem(DataReader& reader) {
+  const DataItem* item = reader.item;
+  if (item) reader.current->Advance();
+  return item;
+}
+
 namespace {
 
 class ReadDataStmt final : public Statement {
@@ -94,9 +101,8 @@ class ReadDataStmt final : public Statement {
       : reader_(reader), targets_(std::move(targets)) {}
   Statement* Execute() override {
     for (const auto& target : targets_) {
-      const DataItem* item = reader_.item;
+      const DataItem* item = TakeDataItem(reader_);
       if (!item) return reader_.endTarget ? reader_.endTarget : Fail(err::kOutOfData);
-      reader_.current->Advance();
       if (item->type == tok::kNumVar) {
         if (target->IsString()) return Fail(err::kDataWrongType);
         target->Assign(item->number);

@@ -1,25 +1,51 @@
 // INPUT: typed values into a list of variables, with the classic re-type prompts.
-#include <cstdlib>
-
 #include "console/console.h"
 #include "shell/program.h"
+#include "stmt/input_loop.h"
 #include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
 
 namespace {
 
-// Value of the hexadecimal digits after "0x".
-float HexValue(std::string_view text) {
-  double value = 0;
-  for (char c : text.substr(2)) value = value * 16 + (c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
-  return static_cast<float>(value);
+// The typed line and its scanner live on the stack while the dialogue runs.
+struct Typed {
+  char line[Console::kLineMax + 1];
+  InputScanner scanner;
+};
+
+// Prints the prompt and reads the next line; false when the dialogue ends (an
+// empty line, a break, or the end of input with 2004 raised).
+bool Ask(Console& con, Typed& typed, const char* prompt, uint32_t location) {
+  con.Printf("%s", prompt);
+  int n = con.ReadLine(typed.line);
+  if (n == Console::kEndOfInput) Raise(err::kFileEnd, location);
+  if (n <= 0) return false;
+  typed.scanner.Start(typed.line);
+  return true;
 }
+
+// An INPUT's own variables as the dialogue's slots.
+class TargetSlots final : public InputSlots {
+ public:
+  explicit TargetSlots(const TargetList& targets) : targets_(targets) {}
+  size_t Count() const override { return targets_.size(); }
+  bool IsString(size_t i) const override { return targets_[i]->IsString(); }
+  void Assign(size_t i, float value) override { targets_[i]->Assign(value); }
+  void Assign(size_t i, std::string_view text) override { targets_[i]->Assign(text); }
+
+ private:
+  const TargetList& targets_;
+};
 
 class InputStmt : public Statement {
  public:
   InputStmt(RunState& run, TargetList targets) : run_(run), targets_(std::move(targets)) {}
-  Statement* Execute() override;
+  Statement* Execute() override {
+    TargetSlots slots(targets_);
+    RunInput(*run_.console, Prompt(), slots, Location());
+    return successor_;
+  }
   TokenCode Code() const override { return tok::kInput; }
   size_t Size() const override { return sizeof *this + TargetsSize(targets_); }
   void List(std::string& out) const override {
@@ -33,15 +59,6 @@ class InputStmt : public Statement {
   virtual void ListPrompt(std::string&) const {}
 
  private:
-  // The typed line and its scanner live on the stack while the INPUT runs.
-  struct Typed {
-    char line[Console::kLineMax + 1];
-    InputScanner scanner;
-  };
-  // Prints the prompt and reads the next line; false when the INPUT ends (an
-  // empty line, a break, or the end of input with 2004 raised).
-  bool Ask(Typed& typed, const char* prompt);
-
   RunState& run_;  // its console asks and reads
   TargetList targets_;
 };
@@ -63,77 +80,61 @@ class InputPromptStmt final : public InputStmt {
   std::string prompt_;
 };
 
-bool InputStmt::Ask(Typed& typed, const char* prompt) {
-  Console& con = *run_.console;
-  con.Printf("%s", prompt);
-  int n = con.ReadLine(typed.line);
-  if (n == Console::kEndOfInput) Raise(err::kFileEnd, Location());
-  if (n <= 0) return false;
-  typed.scanner.Start(typed.line);
-  return true;
-}
+}  // namespace
 
-Statement* InputStmt::Execute() {
-  Console& con = *run_.console;
+void RunInput(Console& con, const char* prompt, InputSlots& slots, uint32_t location) {
   Typed typed;
   InputScanner& scanner = typed.scanner;
-  if (!Ask(typed, Prompt())) return successor_;
-  size_t target = 0;
+  if (!Ask(con, typed, prompt, location)) return;
+  size_t slot = 0;
+  size_t count = slots.Count();
   unsigned itemNumber = 1;
   for (unsigned cls = scanner.Next();;) {
-    if (cls != item::kEnd && target == targets_.size()) {
+    if (cls != item::kEnd && slot == count) {
       con.Printf("Extra input - warning only (%u)\n", cls);
-      break;
+      return;
     }
     switch (cls) {
       case item::kEnd:
-        if (target == targets_.size()) return successor_;
-        if (!Ask(typed, "?")) return successor_;
+        if (slot == count) return;
+        if (!Ask(con, typed, "?", location)) return;
         cls = scanner.Next();
         continue;
       case item::kString:
       case item::kText:
-        if (!targets_[target]->IsString()) {
+        if (!slots.IsString(slot)) {
           con.Printf("Bad Input. Re-type from item %u\n", itemNumber);
-          if (!Ask(typed, "??")) return successor_;
+          if (!Ask(con, typed, "??", location)) return;
           cls = scanner.Next();
           continue;
         }
-        targets_[target]->Assign(scanner.Text());
+        slots.Assign(slot, scanner.Text());
         break;
       case item::kInteger:
       case item::kDecimal:
       case item::kExponent:
-        if (targets_[target]->IsString())
-          targets_[target]->Assign(scanner.Text());
-        else
-          targets_[target]->Assign(static_cast<float>(std::strtod(scanner.CText(), nullptr)));
-        break;
       case item::kHex:
-        // A string target keeps the digits as typed, as for the other numbers.
-        if (targets_[target]->IsString())
-          targets_[target]->Assign(scanner.Text());
+        // A string target keeps a number's text as typed, hexadecimal included.
+        if (slots.IsString(slot))
+          slots.Assign(slot, scanner.Text());
         else
-          targets_[target]->Assign(HexValue(scanner.Text()));
+          slots.Assign(slot, scanner.Number(cls));
         break;
       default:
         con.Printf("Bad Input. Re-type from item 1\n");
-        target = 0;
+        slot = 0;
         itemNumber = 1;
-        if (!Ask(typed, "??")) return successor_;
+        if (!Ask(con, typed, "??", location)) return;
         cls = scanner.Next();
         continue;
     }
-    // A storage failure of the target (a subscript out of bounds) ends the INPUT.
-    if (g_err.run) break;
-    ++target;
+    // A storage failure of the target (a subscript out of bounds) ends the dialogue.
+    if (g_err.run) return;
+    ++slot;
     ++itemNumber;
     cls = scanner.Next();
   }
-  return successor_;
 }
-
-}  // namespace
 
 StatementPtr ParseInput(Program& p) {
   size_t mark = p.Mark();

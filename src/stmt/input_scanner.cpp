@@ -1,5 +1,7 @@
 #include "stmt/input_scanner.h"
 
+#include <cstdlib>
+
 namespace {
 bool IsDigit(int c) { return c >= '0' && c <= '9'; }
 bool IsHexDigit(int c) { return IsDigit(c) || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f'); }
@@ -114,4 +116,11 @@ unsigned InputScanner::AfterPiece() {
   if (c == '"') return Quoted();
   if (c == '\'') return CharCode();
   return Finish(Closes() ? item::kString : item::kBadString);
+}
+
+float InputScanner::Number(unsigned cls) const {
+  if (cls != item::kHex) return static_cast<float>(std::strtod(item_, nullptr));
+  double value = 0;
+  for (char c : Text().substr(2)) value = value * 16 + (c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
+  return static_cast<float>(value);
 }

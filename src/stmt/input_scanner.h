@@ -21,6 +21,8 @@ constexpr unsigned kHex = 13;
 constexpr unsigned kDecimal = 14;
 constexpr unsigned kExponent = 15;
 constexpr unsigned kText = 21;
+// Integer, hexadecimal, decimal and exponent form: the items that are numbers.
+inline bool IsNumber(unsigned cls) { return cls >= kInteger && cls <= kExponent; }
 }  // namespace item
 
 class InputScanner {
@@ -32,6 +34,8 @@ class InputScanner {
   // The item's characters (quotes removed, character codes applied); NUL-terminated.
   std::string_view Text() const { return {item_, length_}; }
   const char* CText() const { return item_; }
+  // The value of a number item of class cls, rounded to 32 bits.
+  float Number(unsigned cls) const;
 
  private:
   int Peek() const { return *pos_ == '\n' ? 0 : static_cast<unsigned char>(*pos_); }

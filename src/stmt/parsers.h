@@ -57,10 +57,14 @@ StatementPtr ParseRead(Program& p);
 StatementPtr ParseStop(Program& p);  // end_stop.cpp
 StatementPtr ParseEnd(Program& p);
 StatementPtr ParseSleep(Program& p);
-StatementPtr ParseRem(Program& p);    // simple_stmts.cpp
-StatementPtr ParseDim(Program& p);    // dim.cpp
-StatementPtr ParseDef(Program& p);    // def.cpp
-StatementPtr ParseInput(Program& p);  // input.cpp
+StatementPtr ParseRem(Program& p);      // simple_stmts.cpp
+StatementPtr ParseDim(Program& p);      // dim.cpp
+StatementPtr ParseDef(Program& p);      // def.cpp
+StatementPtr ParseInput(Program& p);    // input.cpp
+StatementPtr ParseMat(Program& p);      // mat_assign.cpp; its READ, INPUT and PRINT in mat_io.cpp
+StatementPtr ParseLinput(Program& p);   // linput.cpp
+StatementPtr ParseConvert(Program& p);  // convert.cpp
+StatementPtr ParseEnter(Program& p);    // enter.cpp
 
 // graphics.cpp: the eight statements written with "@" and a GDI number.
 StatementPtr ParseWindow(Program& p);

@@ -7,6 +7,7 @@
 
 #include "expr/call_frames.h"
 #include "lex/token.h"
+#include "value/matrix.h"
 
 class Console;
 class DataStmt;
@@ -46,4 +47,5 @@ struct RunState {
   RunFrame frame;                // GOSUB returns
   Statement* current = nullptr;  // set when a run starts; kept after it ends
   Console* console = nullptr;    // PRINT and INPUT go here; bound by each run
+  MatrixWork matrix;             // where MAT products, transposes and inverses are computed
 };

@@ -8,6 +8,13 @@ DimensionList::DimensionList(std::vector<uint32_t> bounds)
   for (size_t i = bounds_.size(); i-- > 1;) strides_[i - 1] = strides_[i] * bounds_[i];
 }
 
+void DimensionList::Assign(std::span<const uint32_t> bounds) {
+  if (bounds.data() == bounds_.data()) return;  // its own bounds: nothing changes
+  bounds_.assign(bounds.begin(), bounds.end());
+  strides_.assign(bounds_.size(), 1);
+  for (size_t i = bounds_.size(); i-- > 1;) strides_[i - 1] = strides_[i] * bounds_[i];
+}
+
 double DimensionList::Total() const {
   float total = 1.0f;
   for (uint32_t bound : bounds_) total *= static_cast<float>(bound);
@@ -36,6 +43,17 @@ int64_t OneIndex(float s, uint32_t bound) {
 }
 }  // namespace
 
+ErrorCode ArrayShape::Reshape(std::span<const uint32_t> bounds) {
+  uint64_t total = 1;
+  for (uint32_t bound : bounds) {
+    total *= bound;
+    if (total > capacity) return err::kDimensionMismatch;
+  }
+  dims.Assign(bounds);
+  count = static_cast<uint32_t>(total);
+  return 0;
+}
+
 int64_t ElementIndex(const DimensionList& dims, const float* subscripts) {
   size_t last = dims.Count() - 1;
   int64_t index = OneIndex(subscripts[last], dims.Bound(last));
@@ -53,7 +71,7 @@ ErrorCode MakeNumericArray(const VarToken* name, DimensionList dims,
   if (total > kMaxElements) return err::kArrayTooBig;
   auto data = std::make_unique<NumericScriptData>();
   data->name = name;
-  data->count = static_cast<uint32_t>(total);
+  data->count = data->capacity = static_cast<uint32_t>(total);
   data->dims = std::move(dims);
   data->elements.reset(new (std::nothrow) float[data->count ? data->count : 1]);
   if (!data->elements) return err::kNoMemory;

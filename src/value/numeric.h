@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -40,9 +41,13 @@ class DimensionList {
  public:
   DimensionList() = default;
   explicit DimensionList(std::vector<uint32_t> bounds);
+  // New bounds in place: MAT redimensions arrays while a program runs, and
+  // the vectors keep their room so that this does not allocate.
+  void Assign(std::span<const uint32_t> bounds);
   size_t Count() const { return bounds_.size(); }
   uint32_t Bound(size_t i) const { return bounds_[i]; }
   uint32_t Stride(size_t i) const { return strides_[i]; }
+  std::span<const uint32_t> Bounds() const { return bounds_; }
   // Product of the bounds formed as a float, as the element count is defined.
   double Total() const;
   bool Compatible(const DimensionList& other) const;
@@ -63,10 +68,18 @@ struct NumericSimpleData {
   float value = UndefinedValue();
 };
 
-struct NumericScriptData {
-  const VarToken* name;
+// The shape of an array: its bounds now, and the room it was created with,
+// which MAT may redimension it within.
+struct ArrayShape {
   DimensionList dims;
-  uint32_t count = 0;
+  uint32_t count = 0;     // elements of the current bounds
+  uint32_t capacity = 0;  // elements allocated when the array was created
+  // New bounds (each at least 1); 1003 when they hold more than the capacity.
+  ErrorCode Reshape(std::span<const uint32_t> bounds);
+};
+
+struct NumericScriptData : ArrayShape {
+  const VarToken* name;
   std::unique_ptr<float[]> elements;
 };
 

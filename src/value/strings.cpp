@@ -8,7 +8,7 @@ ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
   if (total > kMaxElements) return err::kArrayTooBig;
   auto data = std::make_unique<StringScriptData>();
   data->name = name;
-  data->count = static_cast<uint32_t>(total);
+  data->count = data->capacity = static_cast<uint32_t>(total);
   data->dims = std::move(dims);
   // Every element allocates a block of its own: a shortage there is error 3, not an abort.
   try {

@@ -15,10 +15,8 @@ struct StringSimpleData {
   StringValue value;
 };
 
-struct StringScriptData {
+struct StringScriptData : ArrayShape {
   const VarToken* name;
-  DimensionList dims;
-  uint32_t count = 0;
   std::unique_ptr<StringValue[]> elements;
 };
 

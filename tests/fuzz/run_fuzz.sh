@@ -31,6 +31,7 @@ seed() {  # target folder
       for bas in "$root"/tests/sessions/files/*.bas; do cp "$bas" "$2/files-$(basename "$bas")"; done ;;
     input_fuzz) cp "$root"/tests/programs/*.stdin "$here"/seeds/input/* "$2"/ ;;
     escape_fuzz) cp "$here"/seeds/escape/* "$2"/ ;;
+    mat_fuzz) cp "$here"/seeds/mat/* "$2"/ ;;
     using_format_fuzz)
       cp "$here"/seeds/using_format/* "$2"/
       # The formats of the test programs' IMAGE lines, one file each.

@@ -1,0 +1,81 @@
+// LINPUT: one whole typed line, blanks, quotes and commas included, into a string.
+#include "console/console.h"
+#include "shell/program.h"
+#include "stmt/parsers.h"
+
+namespace {
+
+class LinputUserStmt : public Statement {
+ public:
+  LinputUserStmt(RunState& run, std::unique_ptr<StringVar> target)
+      : run_(run), target_(std::move(target)) {}
+  // An empty line is an empty string; a break ends the statement; the end of
+  // input raises 2004 as INPUT does.
+  Statement* Execute() override {
+    Console& con = *run_.console;
+    con.Printf("%s", Prompt());
+    char line[Console::kLineMax + 1];
+    int n = con.ReadLine(line);
+    if (n == Console::kEndOfInput) return Fail(err::kFileEnd);
+    if (n < 0) return successor_;
+    target_->Assign(std::string_view(line, static_cast<size_t>(n)));
+    return successor_;
+  }
+  TokenCode Code() const override { return tok::kLinput; }
+  size_t Size() const override { return sizeof *this + target_->Size(); }
+  void List(std::string& out) const override {
+    out += "LINPUT ";
+    ListPrompt(out);
+    target_->List(out);
+  }
+
+ protected:
+  virtual const char* Prompt() const { return "?"; }
+  virtual void ListPrompt(std::string&) const {}
+
+ private:
+  RunState& run_;  // asks and reads on its console
+  std::unique_ptr<StringVar> target_;
+};
+
+class LinputUserPromptStmt final : public LinputUserStmt {
+ public:
+  LinputUserPromptStmt(RunState& run, std::string_view prompt, std::unique_ptr<StringVar> target)
+      : LinputUserStmt(run, std::move(target)), prompt_(prompt) {}
+  size_t Size() const override { return LinputUserStmt::Size() + prompt_.size(); }
+
+ protected:
+  const char* Prompt() const override { return prompt_.c_str(); }
+  void ListPrompt(std::string& out) const override {
+    ListStringLiteral(out, prompt_);
+    out += ',';
+  }
+
+ private:
+  std::string prompt_;
+};
+
+}  // namespace
+
+// LINPUT ["prompt",] stringVar, as INPUT takes its prompt.
+StatementPtr ParseLinput(Program& p) {
+  size_t mark = p.Mark();
+  std::string prompt;
+  bool prompted = p.Accept(tok::kString);
+  if (prompted) {
+    prompt = p.Text();
+    if (!p.Accept(tok::kComma)) {
+      SetParseError(err::kMissingDelimiter);
+      p.Restore(mark);
+      return nullptr;
+    }
+  }
+  std::unique_ptr<StringVar> target = ParseStringVar(p);
+  if (!target) {
+    if (!g_err.parse) SetParseError(err::kBadStringVar);
+    p.Restore(mark);
+    return nullptr;
+  }
+  if (prompted) return std::make_unique<LinputUserPromptStmt>(p.run, prompt, std::move(target));
+  return std::make_unique<LinputUserStmt>(p.run, std::move(target));
+}

@@ -1,0 +1,19 @@
+10 REM Whole-array statements on 1,000 x 1,000 arrays finish in moments
+20 DIM A(1000,1000),B(1000,1000),V(1000),W(1000)
+30 MAT A=IDN
+40 MAT B=CON
+50 MAT B=(3)*B
+60 MAT B=A+B
+70 MAT A=TRN(B)
+80 MAT V=CON
+90 MAT W=A*V
+100 PRINT W(1);W(1000)
+110 MAT B=IDN
+120 MAT B=(0.5)*B
+130 MAT A=INV(B)
+140 PRINT A(1,1);A(1,2);A(1000,1000)
+150 MAT B=A*B
+160 PRINT B(1,1);B(1,2);B(1000,1000)
+170 REM A matrix whose rows repeat has no inverse
+180 MAT B=CON
+190 MAT A=INV(B)
