@@ -3,6 +3,7 @@
 // bounds of the result, within the room it was created with.
 #include <algorithm>
 
+#include "platform/break_flag.h"
 #include "shell/program.h"
 #include "stmt/mat.h"
 #include "stmt/parsers.h"
@@ -204,7 +205,8 @@ class MatProductStmt final : public MatNumericAssignStmt {
     if (uint64_t{m} * p > Target().capacity) return Fail(err::kDimensionMismatch);
     if (!AllDefined(b.elements.get(), b.count) || !AllDefined(c.elements.get(), c.count))
       return Fail(err::kUndefinedValue);
-    if (ErrorCode code = MatrixProduct(b.elements.get(), c.elements.get(), m, n, p, work_))
+    if (ErrorCode code =
+            MatrixProduct(b.elements.get(), c.elements.get(), m, n, p, work_, TestAndClearBreak))
       return Fail(code);
     return Store(shape, work_);
   }
@@ -241,7 +243,7 @@ class MatFunctionStmt final : public MatNumericAssignStmt {
     if (!AllDefined(b.elements.get(), b.count)) return Fail(err::kUndefinedValue);
     ErrorCode code = function_ == tok::kTrn
                          ? MatrixTranspose(b.elements.get(), rows, columns, work_)
-                         : MatrixInverse(b.elements.get(), rows, work_);
+                         : MatrixInverse(b.elements.get(), rows, work_, TestAndClearBreak);
     if (code) return Fail(code);
     uint32_t bounds[2] = {columns, rows};
     return Store(bounds, work_);

@@ -6,7 +6,6 @@
 #include <new>
 #include <utility>
 
-#include "platform/break_flag.h"
 #include "value/numeric.h"
 
 namespace {
@@ -31,12 +30,12 @@ bool AllDefined(const float* values, uint32_t count) {
 }
 
 ErrorCode MatrixProduct(const float* a, const float* b, uint32_t m, uint32_t n, uint32_t p,
-                        MatrixWork& work) {
+                        MatrixWork& work, StopCheck stop) {
   if (!Fit(work.values, size_t{m} * p)) return err::kNoMemory;
   // Row by row, each row of b scaled and added: the inner loop runs along
   // memory in both arrays.
   for (uint32_t i = 0; i < m; ++i) {
-    if (TestAndClearBreak()) return err::kBreak;
+    if (stop()) return err::kBreak;
     double* row = work.values.data() + size_t{i} * p;
     std::fill_n(row, p, 0.0);
     for (uint32_t k = 0; k < n; ++k) {
@@ -55,7 +54,7 @@ ErrorCode MatrixTranspose(const float* a, uint32_t m, uint32_t n, MatrixWork& wo
   return 0;
 }
 
-ErrorCode MatrixInverse(const float* a, uint32_t n, MatrixWork& work) {
+ErrorCode MatrixInverse(const float* a, uint32_t n, MatrixWork& work, StopCheck stop) {
   size_t size = size_t{n} * n;
   if (!Fit(work.values, size) || !Fit(work.pivots, n)) return err::kNoMemory;
   double* w = work.values.data();
@@ -67,7 +66,7 @@ ErrorCode MatrixInverse(const float* a, uint32_t n, MatrixWork& work) {
   // noise, summed over a row, is no pivot at all.
   double tolerance = scale * FLT_EPSILON * n;
   for (uint32_t k = 0; k < n; ++k) {
-    if (TestAndClearBreak()) return err::kBreak;
+    if (stop()) return err::kBreak;
     uint32_t best = k;
     double largest = std::fabs(w[size_t{k} * n + k]);
     for (uint32_t i = k + 1; i < n; ++i) {
