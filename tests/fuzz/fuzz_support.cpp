@@ -12,8 +12,9 @@
 #include <new>
 #include <string>
 
-#include "platform/break_flag.h"
 #include "base/errors.h"
+#include "gdi/gdi.h"
+#include "platform/break_flag.h"
 
 namespace {
 
@@ -73,6 +74,7 @@ void ResetState() {
   SetErrorFile(nullptr);
   g_breakFlag.store(0);
   g_fuzzBudget = 0;
+  gdi::SetHeadless(true);  // closes the windows a run left; nothing opens on a display
 }
 
 }  // namespace fuzz

@@ -32,6 +32,7 @@ seed() {  # target folder
     input_fuzz) cp "$root"/tests/programs/*.stdin "$here"/seeds/input/* "$2"/ ;;
     escape_fuzz) cp "$here"/seeds/escape/* "$2"/ ;;
     mat_fuzz) cp "$here"/seeds/mat/* "$2"/ ;;
+    gdi_statement_fuzz) cp "$here"/seeds/gdi_statement/* "$2"/ ;;
     using_format_fuzz)
       cp "$here"/seeds/using_format/* "$2"/
       # The formats of the test programs' IMAGE lines, one file each.
