@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/convert.h"
 #include "expr/numeric_exp.h"
 #include "expr/string_exp.h"
 #include "lex/keywords.h"
@@ -62,16 +63,10 @@ class StringLibFunc : public StringExp {
   const KeyToken* key_;
 };
 
-// floor(x + 0.5), the rounding of selectors and character codes.
-inline double RoundHalfUp(float x) { return std::floor(double{x} + 0.5); }
-
-// Truncation toward zero into 32 bits; values beyond the range saturate, NaN gives 0.
+// A count or start of the string functions: toward zero into 32 bits; values
+// beyond the range saturate, NaN gives 0.
 inline int32_t TruncInt(float x) {
-  double t = std::trunc(double{x});
-  if (!(t == t)) return 0;
-  if (t >= 2147483647.0) return INT32_MAX;
-  if (t <= -2147483648.0) return INT32_MIN;
-  return static_cast<int32_t>(t);
+  return static_cast<int32_t>(conv::ToIntClamped(x, INT32_MIN, INT32_MAX, 0));
 }
 
 // Makes work hold text, which may already lie inside work; the copy ends in a NUL.

@@ -2,6 +2,7 @@
 // rounded back to float.
 #include <ctime>
 
+#include "base/convert.h"
 #include "expr/function_nodes.h"
 #include "expr/random.h"
 
@@ -65,10 +66,11 @@ class RndFunc final : public NumericArgFunc {
   }
 
  private:
-  // The integer part of x * 1000 (in float), wrapped to 32 bits.
+  // The integer part of x * 1000 (in float), wrapped to 32 bits; past the
+  // 64-bit range (-1E38 * 1000 is minus infinity) the seed is 0.
   static uint32_t SeedOf(float x) {
-    double t = std::trunc(double{x * 1000.0f});
-    int64_t whole = t > -9.0e18 ? static_cast<int64_t>(t) : 0;
+    int64_t whole = 0;
+    conv::ToIntIn(x * 1000.0f, INT64_MIN, INT64_MAX, &whole);
     return static_cast<uint32_t>(whole);
   }
 };

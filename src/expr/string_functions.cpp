@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 
+#include "base/convert.h"
 #include "base/errors.h"
 #include "expr/function_nodes.h"
 
@@ -121,9 +122,9 @@ class ChrFunc final : public NumberToString {
  public:
   ChrFunc(const KeyToken* key, NumericExpPtr number) : NumberToString(key, std::move(number)) {}
   std::string_view Evaluate(StringValue& work) override {
-    double code = RoundHalfUp(number_->Evaluate());
-    // Out of the 64-bit range there is no meaningful low byte; such codes give 0.
-    int64_t whole = std::fabs(code) < 9.0e18 ? static_cast<int64_t>(code) : 0;
+    // The low byte of the rounded code; NaN and codes past 64 bits have none and give 0.
+    int64_t whole = 0;
+    conv::ToIntIn(conv::RoundHalfUp(number_->Evaluate()), INT64_MIN, INT64_MAX, &whole);
     work.Clear();
     work.Append(static_cast<char>(whole & 0xFF));
     return work.View();
@@ -135,7 +136,9 @@ class DecStrFunc final : public NumberToString {
   DecStrFunc(const KeyToken* key, NumericExpPtr number) : NumberToString(key, std::move(number)) {}
   std::string_view Evaluate(StringValue& work) override {
     char text[32];
-    int n = std::snprintf(text, sizeof text, "%lg", double{number_->Evaluate()});
+    float x = number_->Evaluate();
+    // "nan" without a sign, as PRINT shows it; DEC reads "nan" and "inf" back.
+    int n = std::snprintf(text, sizeof text, "%lg", std::isnan(x) ? std::fabs(x) : double{x});
     work.Clear();
     work.Append(std::string_view(text, n > 0 ? static_cast<size_t>(n) : 0));
     return work.View();

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <ctime>
 
+#include "base/convert.h"
 #include "expr/function_nodes.h"
 #include "platform/system_clock.h"
 #include "shell/program.h"
@@ -28,8 +29,8 @@ WallTime Split(Clock::time_point t) {
 
 // x rounded, or -1 when it is no small non-negative whole number.
 int Selector(float x) {
-  double n = RoundHalfUp(x);
-  return n >= 0 && n <= 1000 ? static_cast<int>(n) : -1;
+  int64_t n;
+  return conv::ToIntIn(conv::RoundHalfUp(x), 0, 1000, &n) ? static_cast<int>(n) : -1;
 }
 
 class TimFunc final : public NumericArgFunc {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "base/convert.h"
 #include "base/print_sink.h"
 #include "format/print_list.h"
 
@@ -13,15 +14,17 @@ namespace {
 // A float truncated to 32 bits the way the hardware does it: out-of-range
 // values become INT_MIN, which the magnitude tests send to the exponent form.
 int32_t Truncate(double x) {
-  if (x >= -2147483648.0 && x < 2147483648.0) return static_cast<int32_t>(x);
-  return INT32_MIN;
+  int64_t whole;
+  return conv::ToIntIn(x, INT32_MIN, INT32_MAX, &whole) ? static_cast<int32_t>(whole) : INT32_MIN;
 }
 
 }  // namespace
 
 size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve) {
   constexpr size_t n = kNumberBufferSize;
-  double x = value;
+  // NaN has no sign to show: it prints " NAN" whichever bits made it; the
+  // infinities print in the exponent form's place as " INF" and "-INF".
+  double x = std::isnan(value) ? std::fabs(value) : value;
   double whole;
   int length;
   if (std::modf(x, &whole) == 0.0) {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "format/float_int.h"
+#include "base/convert.h"
 #include "format/number_format.h"
 
 namespace {
@@ -181,7 +181,7 @@ bool FormatRunner::Numeric(float value, const FormatItem& field) {
   double rounded = x + kRoundingAddend[exact];
   double whole = std::floor(rounded);
   uint64_t integer;
-  if (DoubleToUint64(whole, &integer)) {
+  if (conv::ToUint64In(whole, &integer)) {
     char digits[24];
     char* first = Digits(integer, digits + sizeof digits, 1);
     p = std::copy(first, digits + sizeof digits, p);
@@ -193,7 +193,7 @@ bool FormatRunner::Numeric(float value, const FormatItem& field) {
   if (decimals > 0) {
     *p++ = '.';
     uint64_t fraction = 0;
-    if (!DoubleToUint64((rounded - whole) * static_cast<double>(kPowerOfTen[exact]), &fraction))
+    if (!conv::ToUint64In((rounded - whole) * static_cast<double>(kPowerOfTen[exact]), &fraction))
       fraction = 0;
     fraction = std::min(fraction, kPowerOfTen[exact] - 1);
     char digits[16];

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/convert.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -133,8 +134,7 @@ bool ParseBound(Program& p, uint32_t* out) {
     return false;
   }
   // Bounds past 32 bits are kept at the largest count; creating the array refuses them.
-  double rounded = std::floor(double{value} + 0.5);
-  *out = rounded >= 4294967295.0 ? UINT32_MAX : static_cast<uint32_t>(rounded);
+  *out = static_cast<uint32_t>(conv::ToIntClamped(conv::RoundHalfUp(value), 0, UINT32_MAX, 0));
   return true;
 }
 

@@ -3,10 +3,10 @@
 // GDI number. They list as `LINETO @1; X,Y`.
 #include <array>
 
+#include "base/convert.h"
 #include "gdi/gdi.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
-#include "value/convert.h"
 
 namespace {
 
@@ -45,9 +45,9 @@ class GdiStmt final : public Statement {
   // Every value is evaluated and rounded before any check.
   Statement* Execute() override {
     int32_t v[1 + kMaxArgs];
-    v[0] = RoundToInt32(number_->Evaluate());
+    v[0] = conv::RoundToInt32(number_->Evaluate());
     for (int i = 0; i < form_.args && !g_err.run; ++i)
-      v[1 + i] = RoundToInt32(args_[i]->Evaluate());
+      v[1 + i] = conv::RoundToInt32(args_[i]->Evaluate());
     if (g_err.run) return successor_;
     ErrorCode code = form_.run(v);
     return code ? Fail(code) : successor_;

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <new>
 
+#include "base/convert.h"
+
 DimensionList::DimensionList(std::vector<uint32_t> bounds)
     : bounds_(std::move(bounds)), strides_(bounds_.size(), 1) {
   for (size_t i = bounds_.size(); i-- > 1;) strides_[i - 1] = strides_[i] * bounds_[i];
@@ -36,10 +38,10 @@ void DimensionList::List(std::string& out) const {
 }
 
 namespace {
-// Zero-based index of one subscript, or -1 outside 1..bound after rounding.
+// Zero-based index of one subscript, or -1 outside 1..bound after rounding (NaN too).
 int64_t OneIndex(float s, uint32_t bound) {
-  if (!(s >= 0.5f) || !(static_cast<double>(s) < bound + 0.5)) return -1;
-  return static_cast<int64_t>(std::floor(static_cast<double>(s) + 0.5)) - 1;
+  int64_t index;
+  return conv::ToIntIn(conv::RoundHalfUp(s), 1, bound, &index) ? index - 1 : -1;
 }
 }  // namespace
 
@@ -67,8 +69,8 @@ int64_t ElementIndex(const DimensionList& dims, const float* subscripts) {
 
 ErrorCode MakeNumericArray(const VarToken* name, DimensionList dims,
                            std::unique_ptr<NumericScriptData>* out) {
-  double total = dims.Total();
-  if (total > kMaxElements) return err::kArrayTooBig;
+  int64_t total;
+  if (!conv::ToIntIn(dims.Total(), 0, kMaxElements, &total)) return err::kArrayTooBig;
   auto data = std::make_unique<NumericScriptData>();
   data->name = name;
   data->count = data->capacity = static_cast<uint32_t>(total);
