@@ -68,6 +68,16 @@ kill -TERM $pid
 status=$?
 [ "$status" -eq 143 ] || fail "SIGTERM during SLEEP ended with status $status, not 143"
 
+# A pause too long to count is still a pause (it once wrapped to none at all).
+printf '10 SLEEP 1E38\n20 PRINT "WOKE"\n' >forever.bas
+"$basic" forever.bas >forever.out &
+pid=$!
+sleep 1
+kill -0 $pid 2>/dev/null || fail "SLEEP 1E38 did not pause"
+kill -TERM $pid 2>/dev/null
+{ wait $pid; } 2>/dev/null
+grep -q WOKE forever.out && fail "SLEEP 1E38 ended before the run was stopped"
+
 # GET never blocks on a FIFO without a writer; a line that never ends is cut
 # in bounded memory, and the session goes on.
 mkfifo fifo
