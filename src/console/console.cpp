@@ -396,7 +396,7 @@ void Console::ApplyAttributes() {
 LineHistory& Console::History() { return editor_->History(); }
 bool Console::ReadsKeys() const { return !in_->DeliversLines(); }
 
-int Console::Column() const { return column_; }
+int64_t Console::Column() const { return column_; }
 int Console::Width() const { return width_; }
 void Console::SetWidth(int width) { width_ = width; }
 int Console::CursorX() const { return x_; }

@@ -36,8 +36,8 @@ class Console final : public PrintSink {
   // Formats and writes through the plain put; long results are never cut.
   void Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-  int Column() const override;  // characters written since the last carriage return
-  int Width() const override;   // line width for PRINT; 0 is unlimited
+  int64_t Column() const override;  // characters written since the last carriage return
+  int Width() const override;       // line width for PRINT; 0 is unlimited
   void SetWidth(int width);
   int CursorX() const override;  // the model cursor's true column
   int CursorY() const;
@@ -90,7 +90,7 @@ class Console final : public PrintSink {
   std::unique_ptr<LineEditor> editor_;
   Clock clock_ = SteadyMs;
   int width_ = 72;
-  int column_ = 0;
+  int64_t column_ = 0;
   int cols_ = 80;
   int rows_ = 25;
   int x_ = 0;

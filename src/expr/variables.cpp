@@ -3,13 +3,14 @@
 #include <cmath>
 #include <new>
 
+#include "base/convert.h"
 #include "base/dialect.h"
 #include "shell/program.h"
 
 namespace {
 
 // Past this a string result or target would overflow.
-constexpr double kMaxStringLength = 0x7FFFFFF;
+constexpr int64_t kMaxStringLength = 0x7FFFFFF;
 
 void ListSubscripts(std::string& out, const std::vector<NumericExpPtr>& subscripts) {
   out += '(';
@@ -95,7 +96,12 @@ const VarToken* SymbolOf(const Program& p, TokenCode code) {
   return variable && code >= 0x100 ? static_cast<const VarToken*>(p.Symbol()) : nullptr;
 }
 
-double Round(float x) { return std::floor(double{x} + 0.5); }
+// The error of a substring length that is no count: below 0, past the
+// longest string, or NaN, which names no length at all.
+ErrorCode LengthError(double count) {
+  if (count < 0) return err::kNegativeLength;
+  return std::isnan(count) ? err::kSubstringOutOfBounds : err::kStringOverflow;
+}
 
 }  // namespace
 
@@ -198,9 +204,9 @@ void StringLimit::List(std::string& out) const {
 }
 
 void StringLimit::Evaluate(double* start, double* count) const {
-  *start = Round(start_->Evaluate());
+  *start = conv::RoundHalfUp(start_->Evaluate());
   if (form_ == kFirst) return;
-  double second = Round(second_->Evaluate());
+  double second = conv::RoundHalfUp(second_->Evaluate());
   *count = form_ == kRange ? second - *start + 1 : second;
 }
 
@@ -213,23 +219,21 @@ std::string_view StringSubVar::Evaluate(StringValue& work) {
   double start, count = 0;
   limit_->Evaluate(&start, &count);
   std::string_view text = base_->Evaluate(work);
-  if (!(start - 1 >= 0 && start - 1 <= 65534)) {
+  int64_t first;  // 1-based; NaN names no position
+  if (!conv::ToIntIn(start, 1, 65535, &first)) {
     SetRunError(err::kSubstringOutOfBounds);
     return {};
   }
-  size_t from = static_cast<size_t>(start) - 1;
+  size_t from = static_cast<size_t>(first - 1);
   if (limit_->form() == StringLimit::kFirst) return from < text.size() ? text.substr(from) : "";
-  if (count < 0) {
-    SetRunError(err::kNegativeLength);
+  int64_t n;
+  if (!conv::ToIntIn(count, 0, kMaxStringLength, &n)) {
+    SetRunError(LengthError(count));
     return {};
   }
-  if (count > kMaxStringLength) {
-    SetRunError(err::kStringOverflow);
-    return {};
-  }
-  auto n = static_cast<size_t>(count);
   // Past the end of the source the result is padded with blanks to the full count.
-  if (from + n <= text.size()) return text.substr(from, n);
+  if (from + static_cast<size_t>(n) <= text.size())
+    return text.substr(from, static_cast<size_t>(n));
   std::string_view present = from < text.size() ? text.substr(from) : "";
   if (present.data() != work.Data()) {
     work.Clear();
@@ -237,7 +241,7 @@ std::string_view StringSubVar::Evaluate(StringValue& work) {
   } else {
     work.SetLength(static_cast<uint32_t>(present.size()));
   }
-  work.AppendBlanks(static_cast<uint32_t>(n - present.size()));
+  work.AppendBlanks(static_cast<uint32_t>(static_cast<size_t>(n) - present.size()));
   return work.View();
 }
 
@@ -246,21 +250,17 @@ void StringSubVar::Assign(std::string_view text) {
   limit_->Evaluate(&start, &count);
   StringValue* target = base_->Locate();
   if (!target) return;
-  if (start == 0) {
-    SetRunError(err::kSubstringOutOfBounds);
+  int64_t s;  // 1-based, at most one past the end: no gap may open
+  if (!conv::ToIntIn(start, 1, int64_t{target->Length()} + 1, &s)) {
+    SetRunError(start == 0 || std::isnan(start) ? err::kSubstringOutOfBounds : err::kSubstringGap);
     return;
   }
-  if (start < 0 || start > target->Length() + 1.0) {
-    SetRunError(err::kSubstringGap);
-    return;
-  }
-  auto s = static_cast<uint64_t>(start);
   if (limit_->form() == StringLimit::kFirst) {
     // The length ends one past the copied text: the character the buffer already
     // held there becomes the last one. This off-by-one is the form's defined result;
     // the classic language ends the string with the copied text.
-    uint64_t m = s + text.size() - (g_classic ? 1 : 0);
-    if (m > kMaxStringLength) {
+    uint64_t m = static_cast<uint64_t>(s) + text.size() - (g_classic ? 1 : 0);
+    if (m > uint64_t{kMaxStringLength}) {
       SetRunError(err::kStringOverflow);
       return;
     }
@@ -270,21 +270,18 @@ void StringSubVar::Assign(std::string_view text) {
     SetRunError(0);
     return;
   }
-  if (count < 0) {
-    SetRunError(err::kNegativeLength);
+  int64_t n;
+  if (!conv::ToIntIn(count, 0, kMaxStringLength - s, &n)) {
+    SetRunError(LengthError(count));
     return;
   }
-  if (s + count > kMaxStringLength) {
-    SetRunError(err::kStringOverflow);
-    return;
-  }
-  auto n = static_cast<uint64_t>(count);
   uint32_t oldLength = target->Length();
-  target->Reserve(s - 1 + n);
-  size_t copied = std::min<uint64_t>(n, text.size());
+  uint64_t end = static_cast<uint64_t>(s - 1 + n);
+  target->Reserve(end);
+  size_t copied = std::min<size_t>(static_cast<size_t>(n), text.size());
   CopyChars(target->Data() + s - 1, text.substr(0, copied));
-  std::memset(target->Data() + s - 1 + copied, ' ', n - copied);
-  target->SetLength(static_cast<uint32_t>(std::max<uint64_t>(oldLength, s - 1 + n)));
+  std::memset(target->Data() + s - 1 + copied, ' ', static_cast<size_t>(n) - copied);
+  target->SetLength(static_cast<uint32_t>(std::max<uint64_t>(oldLength, end)));
 }
 
 // --- Parsers.

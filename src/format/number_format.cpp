@@ -22,12 +22,15 @@ int32_t Truncate(double x) {
 
 size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve) {
   constexpr size_t n = kNumberBufferSize;
-  // NaN has no sign to show: it prints " NAN" whichever bits made it; the
-  // infinities print in the exponent form's place as " INF" and "-INF".
-  double x = std::isnan(value) ? std::fabs(value) : value;
+  double x = value;
   double whole;
   int length;
-  if (std::modf(x, &whole) == 0.0) {
+  if (!std::isfinite(x)) {
+    // In the exponent form's place. NaN has no sign to show: it prints " NAN"
+    // whichever bits made it, so 0/0 and -(0/0) look alike.
+    *reserve = 11;
+    length = snprintf(buffer, n, "%-11s   ", std::isnan(x) ? " NAN" : x > 0 ? " INF" : "-INF");
+  } else if (std::modf(x, &whole) == 0.0) {
     int32_t i = Truncate(x);
     if (i >= -999 && i <= 999) {
       *reserve = 4;

@@ -3,8 +3,10 @@
 #include <climits>
 #include <cmath>
 
+#include "base/convert.h"
 #include "base/print_sink.h"
 #include "format/number_format.h"
+#include "platform/break_flag.h"
 #include "shell/program.h"
 
 void NewPrintLine(PrintSink& out) {
@@ -14,7 +16,7 @@ void NewPrintLine(PrintSink& out) {
 
 void FoldLine(PrintSink& out, int reserve) {
   int width = out.Width();
-  int column = out.Column();
+  int64_t column = out.Column();
   if (width > 0 && column != 0 && column + reserve > width) NewPrintLine(out);
 }
 
@@ -33,12 +35,16 @@ void PrintText(PrintSink& out, std::string_view text) {
 
 namespace {
 
-// Integer part of a print function's argument; out-of-range values give
-// INT_MIN, as the hardware conversion does, so they act as "nothing".
-int IntegerPart(double x) {
-  if (x >= -2147483648.0 && x < 2147483648.0) return static_cast<int>(x);
-  return INT_MIN;
+// A print function's count: the rounded argument, or 0 (nothing to do) for NaN
+// and values beyond the 32-bit range.
+int Count(double x) {
+  int64_t n;
+  return conv::ToIntIn(conv::RoundHalfUp(x), INT32_MIN, INT32_MAX, &n) ? static_cast<int>(n) : 0;
 }
+
+// Long runs of blanks or line feeds stop early on Ctrl+C or an ending signal;
+// the run loop then reports the break at this statement.
+bool Interrupted(int64_t i) { return (i & 0xFFFF) == 0xFFFF && StopPending(); }
 
 // --- Joining nodes: the left item, then the rest of the list.
 
@@ -141,7 +147,7 @@ class PrintFunctionSpec : public PrintSpecList {
     out += ')';
   }
   // Rounded magnitude: the sign of TAB and SPA arguments is ignored.
-  int Magnitude() { return IntegerPart(std::fabs(double{arg_->Evaluate()}) + 0.5); }
+  int Magnitude() { return Count(std::fabs(double{arg_->Evaluate()})); }
 
   NumericExpPtr arg_;
 };
@@ -153,14 +159,14 @@ class PrintFuncTabSpec final : public PrintFunctionSpec {
   int Kind() const override { return static_cast<int>(tok::kFnTab); }
   void Execute(PrintSink& out) override {
     int n = Magnitude();
-    int column = out.Column();
+    int64_t column = out.Column();
     if (n < 1 || n < column) return;
     int width = out.Width();
     if (width > 0 && column != 0 && n > column && n > width) {
       NewPrintLine(out);
       return;
     }
-    while (out.Column() < n) out.Print(' ');
+    for (int64_t i = 0; out.Column() < n && !Interrupted(i); ++i) out.Print(' ');
   }
 };
 
@@ -173,12 +179,12 @@ class PrintFuncSpaSpec final : public PrintFunctionSpec {
     int n = Magnitude();
     if (n < 1) return;
     int width = out.Width();
-    int column = out.Column();
-    if (width > 0 && column != 0 && static_cast<long>(column) + n > width) {
+    int64_t column = out.Column();
+    if (width > 0 && column != 0 && column + n > width) {
       NewPrintLine(out);
       return;
     }
-    for (int i = 0; i < n; ++i) out.Print(' ');
+    for (int i = 0; i < n && !Interrupted(i); ++i) out.Print(' ');
   }
 };
 
@@ -189,11 +195,11 @@ class PrintFuncLinSpec final : public PrintFunctionSpec {
   int Kind() const override { return static_cast<int>(tok::kFnLin); }
   // LIN(n) starts n new lines; a negative count only feeds lines.
   void Execute(PrintSink& out) override {
-    int n = IntegerPart(std::floor(double{arg_->Evaluate()} + 0.5));
+    int n = Count(arg_->Evaluate());
     if (n == 0) return;
     if (n > 0) out.Print('\r');
-    long count = n > 0 ? n : -static_cast<long>(n);
-    for (long i = 0; i < count; ++i) out.Print('\n');
+    int64_t count = n > 0 ? n : -int64_t{n};
+    for (int64_t i = 0; i < count && !Interrupted(i); ++i) out.Print('\n');
   }
 };
 

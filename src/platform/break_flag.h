@@ -40,6 +40,11 @@ inline bool BreakPending() {
   return g_breakFlag.load(std::memory_order_relaxed) != 0;
 }
 
+// True when Ctrl+C or an ending signal waits: long loops inside a statement stop.
+inline bool StopPending() {
+  return (g_breakFlag.load(std::memory_order_relaxed) & (async::kBreak | async::kEnd)) != 0;
+}
+
 // True when an ending signal waits: long waits give up early.
 inline bool EndPending() {
   return (g_breakFlag.load(std::memory_order_relaxed) & async::kEnd) != 0;

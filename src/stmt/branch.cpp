@@ -3,6 +3,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "base/convert.h"
 #include "shell/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
@@ -140,9 +141,11 @@ class JumpListStmt : public Statement {
   Statement* Pick(bool rounded) {
     float value = selector_->Evaluate();
     if (g_err.run) return nullptr;
+    // Rounded in float arithmetic, as the selector rule has it; NaN picks nothing.
     float index = rounded ? std::floor(value + 0.5f) : std::trunc(value);
-    if (!(index >= 1.0f && index <= static_cast<float>(chosen_.size()))) return nullptr;
-    return chosen_[static_cast<size_t>(index) - 1];
+    int64_t i;
+    if (!conv::ToIntIn(index, 1, static_cast<int64_t>(chosen_.size()), &i)) return nullptr;
+    return chosen_[static_cast<size_t>(i) - 1];
   }
   // The out-of-range choice: the ELSE target, or none.
   Statement* Otherwise() const { return else_ ? elseChosen_ : nullptr; }

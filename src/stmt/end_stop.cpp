@@ -1,4 +1,5 @@
 // END, STOP and SLEEP: the statements that end or pause a run.
+#include "base/convert.h"
 #include "console/console.h"
 #include "platform/signals.h"
 #include "shell/program.h"
@@ -33,7 +34,7 @@ class SleepStmt final : public Statement {
     if (!(ms >= 1.0f)) return Fail(err::kArgOutOfRange);
     run_.console->Flush();  // what was printed before the pause is seen during it
     // Beyond 2^50 ms (35,000 years) every pause is the same.
-    PauseMs(ms < 0x1p50f ? static_cast<uint64_t>(ms) : uint64_t{1} << 50);
+    PauseMs(static_cast<uint64_t>(conv::ToIntClamped(ms, 1, int64_t{1} << 50, 1)));
     return successor_;
   }
   TokenCode Code() const override { return tok::kSleep; }

@@ -2,10 +2,12 @@
 
 #include <new>
 
+#include "base/convert.h"
+
 ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
                           std::unique_ptr<StringScriptData>* out) {
-  double total = dims.Total();
-  if (total > kMaxElements) return err::kArrayTooBig;
+  int64_t total;
+  if (!conv::ToIntIn(dims.Total(), 0, kMaxElements, &total)) return err::kArrayTooBig;
   auto data = std::make_unique<StringScriptData>();
   data->name = name;
   data->count = data->capacity = static_cast<uint32_t>(total);

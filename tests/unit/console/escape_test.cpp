@@ -1,6 +1,8 @@
 // The escape interpreter, checked cell by cell on an in-memory screen.
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "console/console.h"
 #include "console/console_backend.h"
 #include "console/key_source.h"
@@ -140,6 +142,36 @@ TEST_F(EscapeTest, ClsPaintsCurrentAttributeAndShowsCursor) {
   EXPECT_EQ(con->Column(), 0);
   con->RestoreDefaults();
   EXPECT_EQ(con->Attribute(), 0x07);
+}
+
+// A screen as wide as an int can count, with the cursor near its end.
+class FarScreen final : public ConsoleBackend {
+ public:
+  void Size(int* cols, int* rows) override {
+    *cols = INT_MAX;
+    *rows = 1;
+  }
+  void InitialCursor(int* x, int* y) override {
+    *x = INT_MAX - 5;
+    *y = 0;
+  }
+  void Draw(int, int, char, uint16_t) override {}
+  void Fill(int, int, long, uint16_t, bool) override {}
+  void ScrollUp(uint16_t) override {}
+  void SetAttr(uint16_t) override {}
+  void ShowCursor(bool) override {}
+  void SetTitle(const char*) override {}
+  void Flush(int, int) override {}
+};
+
+// The output column counts on past 2^31 characters without a carriage return
+// (WIDTH 0 allows it); it never wraps to a negative column.
+TEST(ConsoleColumn, CountsPastTheIntRange) {
+  Console con(std::make_unique<FarScreen>(), MakeStringInput(""));
+  con.WriteEsc("0123456789");
+  EXPECT_EQ(con.Column(), int64_t{INT_MAX} + 5);
+  con.Write("\r");
+  EXPECT_EQ(con.Column(), 0);
 }
 
 }  // namespace

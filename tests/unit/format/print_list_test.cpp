@@ -100,7 +100,7 @@ namespace {
 // A sink with no console behind it: the column is all it knows of the line.
 class StringSink final : public PrintSink {
  public:
-  explicit StringSink(int width) : width_(width) {}
+  explicit StringSink(int width, int64_t column = 0) : width_(width), column_(column) {}
   void Print(char c) override {
     text += c;
     column_ = c == '\r' || c == '\n' ? 0 : column_ + 1;
@@ -108,15 +108,15 @@ class StringSink final : public PrintSink {
   void Print(std::string_view s) override {
     for (char c : s) Print(c);
   }
-  int Column() const override { return column_; }
+  int64_t Column() const override { return column_; }
   int Width() const override { return width_; }
-  int CursorX() const override { return column_; }
+  int CursorX() const override { return static_cast<int>(column_ % 80); }
 
   std::string text;
 
  private:
   int width_;
-  int column_ = 0;
+  int64_t column_;
 };
 
 // The items print on the sink they are given, with the console's layout rules.
@@ -133,6 +133,20 @@ TEST(PrintList, ItemsPrintOnTheSinkTheyAreGiven) {
   EXPECT_EQ(sink.text,
             "AB" + std::string(13, ' ') + "-2.5" + std::string(7, ' ') + "\r\n0123456789\r\n");
   EXPECT_EQ(console.Text(), "");
+}
+
+// Past 2^31 characters on one line (WIDTH 0) TAB still sees the column behind
+// it and writes nothing; SPA still writes its blanks.
+TEST(PrintList, TabAndSpaFarOutOnALine) {
+  test_program::ConsoleCapture console;
+  Program prog;
+  prog.StartLine("\"AB\";TAB(5);SPA(2);\"Z\";");
+  PrintSpecPtr items, end;
+  ASSERT_TRUE(ParsePrintList(prog, &items, &end));
+  StringSink sink(0, int64_t{1} << 32);
+  items->Execute(sink);
+  end->Execute(sink);
+  EXPECT_EQ(sink.text, "AB  Z");
 }
 
 }  // namespace
