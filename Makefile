@@ -5,7 +5,7 @@
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
-FUZZ_SECONDS ?= 10
+FUZZ_SECONDS ?= 6
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 ARGS       ?=
 PREFIX     ?= /usr/local
