@@ -1,11 +1,11 @@
 // ENTER: one typed item within a time limit, with the time the answer took;
 // and ENTER #, the number of the terminal's port.
+#include "base/convert.h"
 #include "console/console.h"
 #include "shell/program.h"
 #include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
-#include "value/convert.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ class TimedEntry final {
 ErrorCode TimedEntry::Run(Console& con) {
   float seconds = seconds_->Evaluate();
   if (g_err.run) return g_err.run;
-  int32_t limit = RoundToInt32(seconds);
+  int32_t limit = conv::RoundToInt32(seconds);
   if (limit < 1 || limit > 255) return err::kArgOutOfRange;
   char line[Console::kLineMax + 1];
   unsigned elapsed = 0;

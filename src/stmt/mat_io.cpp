@@ -1,5 +1,6 @@
 // MAT READ, MAT INPUT and MAT PRINT: whole arrays from DATA, from typed lines
 // and onto the console, element by element in row-major order.
+#include "base/convert.h"
 #include "console/console.h"
 #include "format/number_format.h"
 #include "format/print_list.h"
@@ -8,7 +9,6 @@
 #include "stmt/input_loop.h"
 #include "stmt/mat.h"
 #include "stmt/parsers.h"
-#include "value/convert.h"
 
 // --- New bounds.
 
@@ -56,7 +56,7 @@ ErrorCode NewBounds::Evaluate(uint32_t (&bounds)[kMax], size_t* count) const {
   for (size_t i = 0; i < count_; ++i) {
     float value = exps_[i]->Evaluate();
     if (g_err.run) return g_err.run;
-    int32_t n = RoundToInt32(value);
+    int32_t n = conv::RoundToInt32(value);
     if (n < 1 || n > static_cast<int32_t>(kMaxElements)) return err::kArgOutOfRange;
     bounds[i] = static_cast<uint32_t>(n);
   }
