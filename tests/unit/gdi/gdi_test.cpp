@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -36,9 +35,7 @@ TEST_P(GdiTest, WindowChecksNumberThenSlotThenSize) {
   EXPECT_EQ(gdi::Window(0, 10, 10), 2501u);
   EXPECT_EQ(gdi::Window(40, 0, 0), 2501u);
   EXPECT_EQ(gdi::Window(INT32_MIN, 10, 10), 2501u);
-  auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(gdi::Window(1, 10, 10), 0u);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
   EXPECT_EQ(gdi::ThreadRunning(), threaded_);
   EXPECT_EQ(gdi::Window(1, 0, 0), 2502u);
   EXPECT_EQ(gdi::Window(2, 0, 100), 1014u);
