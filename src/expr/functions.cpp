@@ -1,16 +1,9 @@
 // Parsing of built-in function calls: the keyword picks the argument shapes.
 #include "expr/function_nodes.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 namespace {
-
-// Fails a call: the error is stored (unless code is 0) and the position restored.
-template <typename Ptr>
-Ptr Fail(Program& p, size_t mark, ErrorCode code) {
-  if (code) SetParseError(code);
-  p.Restore(mark);
-  return nullptr;
-}
 
 bool IsSystemFunction(TokenCode code) {
   switch (code) {
@@ -29,11 +22,11 @@ bool IsSystemFunction(TokenCode code) {
 }  // namespace
 
 NumericExpPtr ParseNumericFunction(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt call(p);
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
-  if (tok::Category(code) != tok::kNumFunc || !key) return Fail<NumericExpPtr>(p, mark, 0);
-  if (!p.Accept(tok::kLParen)) return Fail<NumericExpPtr>(p, mark, err::kMissingLParen);
+  if (tok::Category(code) != tok::kNumFunc || !key) return call.Fail();
+  if (!p.Accept(tok::kLParen)) return call.Replace(err::kMissingLParen);
 
   NumericExpPtr node;
   switch (code) {
@@ -44,66 +37,66 @@ NumericExpPtr ParseNumericFunction(Program& p) {
     case tok::kFnLen:
     case tok::kFnNum: {
       StringExpPtr arg = ParseStringExp(p);
-      if (!arg) return Fail<NumericExpPtr>(p, mark, 0);
+      if (!arg) return call.Fail();
       node = MakeStringArgFunction(key, std::move(arg), nullptr);
       break;
     }
     case tok::kFnPos: {
       StringExpPtr text = ParseStringExp(p);
-      if (!text) return Fail<NumericExpPtr>(p, mark, 0);
-      if (!p.Accept(tok::kComma)) return Fail<NumericExpPtr>(p, mark, err::kMissingDelimiter);
+      if (!text) return call.Fail();
+      if (!p.Accept(tok::kComma)) return call.Replace(err::kMissingDelimiter);
       StringExpPtr pattern = ParseStringExp(p);
-      if (!pattern) return Fail<NumericExpPtr>(p, mark, 0);
+      if (!pattern) return call.Fail();
       node = MakeStringArgFunction(key, std::move(text), std::move(pattern));
       break;
     }
     case tok::kFnRec:
     case tok::kFnItm:
-      return Fail<NumericExpPtr>(p, mark, err::kBadNumericExp);
+      return call.Replace(err::kBadNumericExp);
     default: {
       NumericExpPtr arg = ParseNumericExp(p);
-      if (!arg) return Fail<NumericExpPtr>(p, mark, 0);
+      if (!arg) return call.Fail();
       node = IsSystemFunction(code) ? MakeSystemFunction(key, std::move(arg), p)
                                     : MakeMathFunction(key, std::move(arg));
-      if (!node) return Fail<NumericExpPtr>(p, mark, err::kBadNumericExp);
+      if (!node) return call.Replace(err::kBadNumericExp);
       break;
     }
   }
-  if (!p.Accept(tok::kRParen)) return Fail<NumericExpPtr>(p, mark, err::kMissingRParen);
+  if (!p.Accept(tok::kRParen)) return call.Replace(err::kMissingRParen);
   SetParseError(0);
   return node;
 }
 
 StringExpPtr ParseStringFunction(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt call(p);
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
-  if (tok::Category(code) != tok::kStrFunc || !key) return Fail<StringExpPtr>(p, mark, 0);
-  if (!p.Accept(tok::kLParen)) return Fail<StringExpPtr>(p, mark, err::kMissingLParen);
+  if (tok::Category(code) != tok::kStrFunc || !key) return call.Fail();
+  if (!p.Accept(tok::kLParen)) return call.Replace(err::kMissingLParen);
 
   StringExpPtr text;
   NumericExpPtr number, count;
   switch (code) {
     case tok::kFnUps:
-      if (!(text = ParseStringExp(p))) return Fail<StringExpPtr>(p, mark, 0);
+      if (!(text = ParseStringExp(p))) return call.Fail();
       break;
     case tok::kFnChr:
     case tok::kFnDecStr:
-      if (!(number = ParseNumericExp(p))) return Fail<StringExpPtr>(p, mark, 0);
+      if (!(number = ParseNumericExp(p))) return call.Fail();
       break;
     case tok::kFnLeft:
     case tok::kFnRight:
     case tok::kFnMid:
-      if (!(text = ParseStringExp(p))) return Fail<StringExpPtr>(p, mark, 0);
-      if (!p.Accept(tok::kComma)) return Fail<StringExpPtr>(p, mark, err::kMissingDelimiter);
-      if (!(number = ParseNumericExp(p))) return Fail<StringExpPtr>(p, mark, 0);
+      if (!(text = ParseStringExp(p))) return call.Fail();
+      if (!p.Accept(tok::kComma)) return call.Replace(err::kMissingDelimiter);
+      if (!(number = ParseNumericExp(p))) return call.Fail();
       if (code == tok::kFnMid && p.Accept(tok::kComma) && !(count = ParseNumericExp(p)))
-        return Fail<StringExpPtr>(p, mark, 0);
+        return call.Fail();
       break;
     default:
-      return Fail<StringExpPtr>(p, mark, err::kBadStringExp);
+      return call.Replace(err::kBadStringExp);
   }
-  if (!p.Accept(tok::kRParen)) return Fail<StringExpPtr>(p, mark, err::kMissingRParen);
+  if (!p.Accept(tok::kRParen)) return call.Replace(err::kMissingRParen);
   SetParseError(0);
   return MakeStringFunction(key, std::move(text), std::move(number), std::move(count));
 }

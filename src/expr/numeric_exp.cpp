@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 void Appendf(std::string& out, const char* format, ...) {
@@ -343,7 +344,7 @@ NumericExpPtr OrTail(Program& p, NumericExpPtr left);
 
 NumericExpPtr FactorTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
     if (op != tok::kCaret && op != tok::kPower) {
       p.BackUp();
@@ -351,17 +352,14 @@ NumericExpPtr FactorTail(Program& p, NumericExpPtr left) {
       return left;
     }
     NumericExpPtr right = ParseNumericPrimary(p);
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     left = Fold<FactorOp>(std::move(left), std::move(right));
   }
 }
 
 NumericExpPtr TermTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
     if (op != tok::kStar && op != tok::kSlash && op != tok::kMod && op != tok::kDiv) {
       p.BackUp();
@@ -369,10 +367,7 @@ NumericExpPtr TermTail(Program& p, NumericExpPtr left) {
       return left;
     }
     NumericExpPtr right = ParseSubterm(p);
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     switch (op) {
       case tok::kStar:
         left = Fold<MultiplyOp>(std::move(left), std::move(right));
@@ -392,7 +387,7 @@ NumericExpPtr TermTail(Program& p, NumericExpPtr left) {
 
 NumericExpPtr SumTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
     if (op != tok::kPlus && op != tok::kMinus) {
       p.BackUp();
@@ -400,10 +395,7 @@ NumericExpPtr SumTail(Program& p, NumericExpPtr left) {
     }
     NumericExpPtr right = ParseSubterm(p);
     if (right) right = TermTail(p, std::move(right));
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     left = op == tok::kPlus ? Fold<AddOp>(std::move(left), std::move(right))
                             : Fold<SubtractOp>(std::move(left), std::move(right));
   }
@@ -419,17 +411,14 @@ NumericExpPtr ParseSumLevel(Program& p) {
 
 NumericExpPtr MinMaxTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
     if (op != tok::kMin && op != tok::kMax) {
       p.BackUp();
       return left;
     }
     NumericExpPtr right = ParseSumLevel(p);
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     if (op == tok::kMin)
       left = std::make_unique<Min>(std::move(left), std::move(right));
     else
@@ -438,7 +427,7 @@ NumericExpPtr MinMaxTail(Program& p, NumericExpPtr left) {
 }
 
 NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (tok::Category(op) != tok::kRelation) {
     p.BackUp();
@@ -446,10 +435,7 @@ NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
   }
   NumericExpPtr right = ParseSumLevel(p);
   if (right) right = MinMaxTail(p, std::move(right));
-  if (!right) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!right) return attempt.Fail();
   switch (op) {
     case tok::kEQ:
       left = Fold<EqOp>(std::move(left), std::move(right));
@@ -471,46 +457,39 @@ NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
       left = Fold<GeOp>(std::move(left), std::move(right));
       break;
     default:
-      SetParseError(err::kBadOperator);
-      p.Restore(mark);
-      return nullptr;
+      return attempt.Replace(err::kBadOperator);
   }
   // One comparison only: a second relational operator is left for the statement.
   return OrTail(p, std::move(left));
 }
 
 NumericExpPtr ParseRelation(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr e = ParseSumLevel(p);
   if (e) e = MinMaxTail(p, std::move(e));
   if (e) e = RelationTail(p, std::move(e));
   if (e) return e;
   ErrorCode numericError = g_err.parse;
-  p.Restore(mark);
+  attempt.Rewind();
   if (StringExpPtr left = ParseStringExp(p)) {
     if (NumericExpPtr relation = ParseStringRelationTail(p, std::move(left))) return relation;
   }
-  p.Restore(mark);
-  if (!g_err.parse) SetParseError(numericError);
-  return nullptr;
+  return attempt.Fail(numericError);
 }
 
 NumericExpPtr AndTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     if (!p.Accept(tok::kAnd)) return left;
     NumericExpPtr right = ParseRelation(p);
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     left = std::make_unique<Conjunction>(std::move(left), std::move(right));
   }
 }
 
 NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
     if (op != tok::kXor && op != tok::kEqv && op != tok::kImp) {
       p.BackUp();
@@ -518,10 +497,7 @@ NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left) {
     }
     NumericExpPtr right = ParseRelation(p);
     if (right) right = AndTail(p, std::move(right));
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     if (op == tok::kXor)
       left = std::make_unique<ExclusiveXOR>(std::move(left), std::move(right));
     else if (op == tok::kEqv)
@@ -533,29 +509,23 @@ NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left) {
 
 NumericExpPtr OrTail(Program& p, NumericExpPtr left) {
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     if (!p.Accept(tok::kOr)) return left;
     NumericExpPtr right = ParseRelation(p);
     if (right) right = AndTail(p, std::move(right));
     if (right) right = ExclusiveTail(p, std::move(right));
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     left = std::make_unique<Disjunction>(std::move(left), std::move(right));
   }
 }
 
 NumericExpPtr ParseSubterm(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (op != tok::kNot && op != tok::kMinus && op != tok::kPlus) p.BackUp();
   NumericExpPtr e = ParseNumericPrimary(p);
   if (e) e = FactorTail(p, std::move(e));
-  if (!e) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!e) return attempt.Fail();
   if (op == tok::kNot) return std::make_unique<Not>(std::move(e));
   if (op == tok::kMinus) return std::make_unique<Negate>(std::move(e));
   return e;
@@ -584,28 +554,21 @@ NumericExpPtr ParseNumericPrimary(Program& p) {
     default:
       break;
   }
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (!p.Accept(tok::kLParen)) return nullptr;
   NumericExpPtr inner = ParseNumericExp(p);
-  if (!inner) {
-    p.Restore(mark);
-    return nullptr;
-  }
-  if (!p.Accept(tok::kRParen)) {
-    SetParseError(err::kMissingRParen);
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!inner) return attempt.Fail();
+  if (!p.Accept(tok::kRParen)) return attempt.Replace(err::kMissingRParen);
   return std::make_unique<Primary>(std::move(inner));
 }
 
 // Both entries give back every token they read when they fail, so that the
 // caller can try another reading from the same place.
 NumericExpPtr ParseNumericSum(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr e = ParseSumLevel(p);
   if (e) e = MinMaxTail(p, std::move(e));
-  if (!e) p.Restore(mark);
+  if (!e) return attempt.Fail();
   return e;
 }
 
@@ -615,12 +578,12 @@ NumericExpPtr ParseNumericExp(Program& p) {
     return nullptr;
   }
   ++g_nesting;
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr e = ParseRelation(p);
   if (e) e = AndTail(p, std::move(e));
   if (e) e = ExclusiveTail(p, std::move(e));
   if (e) e = OrTail(p, std::move(e));
-  if (!e) p.Restore(mark);
+  if (!e) attempt.Rewind();
   --g_nesting;
   return e;
 }

@@ -1,5 +1,6 @@
 #include "expr/string_exp.h"
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 int CompareStrings(std::string_view a, std::string_view b) {
@@ -168,29 +169,20 @@ StringExpPtr ParseStringExp(Program& p) {
   StringExpPtr left = ParseStringPrimary(p);
   if (!left) return nullptr;
   for (;;) {
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     if (!p.Accept(tok::kPlus)) return left;
     StringExpPtr right = ParseStringPrimary(p);
-    if (!right) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!right) return attempt.Fail();
     left = std::make_unique<StringConcat>(std::move(left), std::move(right));
   }
 }
 
 NumericExpPtr ParseStringRelationTail(Program& p, StringExpPtr left) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
-  if (tok::Category(op) != tok::kRelation) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (tok::Category(op) != tok::kRelation) return attempt.Fail();
   StringExpPtr right = ParseStringExp(p);
-  if (!right) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!right) return attempt.Fail();
   switch (op) {
     case tok::kEQ:
       return std::make_unique<StringRelation<StrEq>>(std::move(left), std::move(right));

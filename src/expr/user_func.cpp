@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "expr/function_nodes.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 // --- Parameter lists and definitions.
@@ -76,31 +77,27 @@ bool ParseParameters(Program& p, ParameterSpec* out) {
 template <typename Spec, typename Body>
 std::unique_ptr<FuncSpec> ParseBody(Program& p, const VarToken* name, ParameterSpec params,
                                     Body (*parse)(Program&), ErrorCode missing) {
+  ParseAttempt attempt(p);
   Body body;
   {
     ParamsScope scope(p, &params);
     body = parse(p);
   }
-  if (!body) {
-    if (!g_err.parse) SetParseError(missing);
-    return nullptr;
-  }
+  if (!body) return attempt.Fail(missing);
   return std::make_unique<Spec>(name, std::move(params), std::move(body));
 }
 
 }  // namespace
 
 std::unique_ptr<FuncSpec> ParseFuncSpec(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode category = tok::Category(p.GetToken());
   const KeyToken* symbol = p.Symbol();
   if ((category != tok::kNumUserFn && category != tok::kStrUserFn) || !symbol) {
     // "FNA" without brackets scans as a plain variable: its parameter list is missing.
     bool plain = (category == tok::kNumVar || category == tok::kStrVar) && symbol;
-    SetParseError(plain && StartsWithFn(symbol->Name()) ? err::kMissingParamDef
-                                                        : err::kBadFunctionName);
-    p.Restore(mark);
-    return nullptr;
+    return attempt.Replace(plain && StartsWithFn(symbol->Name()) ? err::kMissingParamDef
+                                                                 : err::kBadFunctionName);
   }
   const auto* name = static_cast<const VarToken*>(symbol);
   ParameterSpec params;
@@ -115,7 +112,7 @@ std::unique_ptr<FuncSpec> ParseFuncSpec(Program& p) {
     spec =
         ParseBody<FuncStringSpec>(p, name, std::move(params), ParseStringExp, err::kBadStringExp);
   }
-  if (!spec) p.Restore(mark);
+  if (!spec) return attempt.Fail();
   return spec;
 }
 
@@ -131,6 +128,7 @@ struct Argument {
 
 // "(arg,...)": each argument a numeric expression, else a string expression.
 bool ParseArguments(Program& p, std::vector<Argument>* out) {
+  ParseAttempt attempt(p);
   if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
   if (p.Accept(tok::kRParen)) return true;
   do {
@@ -138,7 +136,7 @@ bool ParseArguments(Program& p, std::vector<Argument>* out) {
     if (!(arg.number = ParseNumericExp(p))) {
       ErrorCode numericError = g_err.parse;
       if (!(arg.text = ParseStringExp(p))) {
-        if (!g_err.parse) SetParseError(numericError ? numericError : err::kBadParam);
+        attempt.Fail(numericError ? numericError : err::kBadParam);
         return false;
       }
     }
@@ -273,14 +271,11 @@ class StringUserFunc final : public StringExp, public Reference {
 
 template <typename Node, typename Ptr>
 Ptr ParseCall(Program& p, TokenCode category) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   const KeyToken* symbol = nullptr;
   if (tok::Category(p.GetToken()) == category) symbol = p.Symbol();
   std::vector<Argument> args;
-  if (!symbol || !ParseArguments(p, &args)) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!symbol || !ParseArguments(p, &args)) return attempt.Fail();
   auto node = std::make_unique<Node>(static_cast<const VarToken*>(symbol), std::move(args), p);
   p.References().Append(node.get());
   return node;

@@ -5,6 +5,7 @@
 
 #include "base/convert.h"
 #include "base/dialect.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 namespace {
@@ -34,11 +35,12 @@ void EvaluateSubscripts(std::vector<NumericExpPtr>& subscripts, std::vector<floa
 
 // Subscripts in any bracket pair, at least one, separated by ",".
 bool ParseSubscripts(Program& p, std::vector<NumericExpPtr>* out) {
+  ParseAttempt attempt(p);
   if (!p.AcceptOpen()) return false;
   do {
     NumericExpPtr e = ParseNumericExp(p);
     if (!e) {
-      if (!g_err.parse) SetParseError(err::kBadSubscript);
+      attempt.Fail(err::kBadSubscript);
       return false;
     }
     out->push_back(std::move(e));
@@ -287,7 +289,7 @@ void StringSubVar::Assign(std::string_view text) {
 // --- Parsers.
 
 std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   const VarToken* name = SymbolOf(p, code);
   if (tok::Category(code) == tok::kNumVar && name) {
@@ -304,12 +306,11 @@ std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
       return Register<NumericVar>(p,
                                   std::make_unique<NumericScriptVar>(name, std::move(subscripts)));
   }
-  p.Restore(mark);
-  return nullptr;
+  return attempt.Fail();
 }
 
 std::unique_ptr<StringVar> ParseStringVar(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   const VarToken* name = SymbolOf(p, code);
   std::unique_ptr<StringWholeVar> base;
@@ -324,10 +325,7 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
     if (ParseSubscripts(p, &subscripts))
       base = std::make_unique<StringScriptVar>(name, std::move(subscripts));
   }
-  if (!base) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!base) return attempt.Fail();
   p.References().Append(base.get());
   if (!p.Accept(tok::kLBracket)) return base;
   NumericExpPtr start = ParseNumericExp(p);
@@ -340,16 +338,8 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
       form = StringLimit::kLength;
     if (form != StringLimit::kFirst) second = ParseNumericExp(p);
   }
-  if (!start || (form != StringLimit::kFirst && !second)) {
-    if (!g_err.parse) SetParseError(err::kBadSubstring);
-    p.Restore(mark);
-    return nullptr;
-  }
-  if (!p.Accept(tok::kRBracket)) {
-    SetParseError(err::kMissingRBracket);
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!start || (form != StringLimit::kFirst && !second)) return attempt.Fail(err::kBadSubstring);
+  if (!p.Accept(tok::kRBracket)) return attempt.Replace(err::kMissingRBracket);
   auto limit = std::make_unique<StringLimit>(form, std::move(start), std::move(second));
   return std::make_unique<StringSubVar>(std::move(base), std::move(limit));
 }

@@ -6,6 +6,7 @@
 #include "base/convert.h"
 #include "base/print_sink.h"
 #include "format/number_format.h"
+#include "lex/parse_attempt.h"
 #include "platform/break_flag.h"
 #include "shell/program.h"
 
@@ -231,19 +232,11 @@ class PrintEndCommaSpec final : public PrintSpecList {
 
 // TAB, SPA or LIN with its parenthesised argument (the name consumed).
 PrintSpecPtr ParsePrintFunction(Program& p, TokenCode code) {
-  if (!p.Accept(tok::kLParen)) {
-    SetParseError(err::kMissingLParen);
-    return nullptr;
-  }
+  ParseAttempt attempt(p);
+  if (!p.Accept(tok::kLParen)) return attempt.Replace(err::kMissingLParen);
   NumericExpPtr arg = ParseNumericExp(p);
-  if (!arg) {
-    if (!g_err.parse) SetParseError(err::kBadNumericExp);
-    return nullptr;
-  }
-  if (!p.Accept(tok::kRParen)) {
-    SetParseError(err::kMissingRParen);
-    return nullptr;
-  }
+  if (!arg) return attempt.Fail(err::kBadNumericExp);
+  if (!p.Accept(tok::kRParen)) return attempt.Replace(err::kMissingRParen);
   switch (code) {
     case tok::kFnTab:
       return std::make_unique<PrintFuncTabSpec>(std::move(arg));
@@ -258,24 +251,22 @@ PrintSpecPtr ParsePrintFunction(Program& p, TokenCode code) {
 // included), else a string expression. Null, with the position restored,
 // when none fits; the error stays 0 when nothing item-like was there.
 PrintSpecPtr ParsePrintItem(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   if (code == tok::kFnTab || code == tok::kFnSpa || code == tok::kFnLin) {
     PrintSpecPtr item = ParsePrintFunction(p, code);
-    if (!item) p.Restore(mark);
+    if (!item) return attempt.Fail();
     return item;
   }
-  p.Restore(mark);
+  attempt.Rewind();
   if (NumericExpPtr exp = ParseNumericExp(p))
     return std::make_unique<PrintNumericSpec>(std::move(exp));
   ErrorCode numericError = g_err.parse;
   SetParseError(0);
-  p.Restore(mark);
+  attempt.Rewind();
   if (StringExpPtr exp = ParseStringExp(p))
     return std::make_unique<PrintStringSpec>(std::move(exp));
-  p.Restore(mark);
-  if (!g_err.parse) SetParseError(numericError);
-  return nullptr;
+  return attempt.Fail(numericError);
 }
 
 bool AtStatementEnd(Program& p) {
@@ -288,11 +279,10 @@ bool AtStatementEnd(Program& p) {
 // Items followed by another item without a separator are joined by a
 // none-group; a separator at the end of the statement becomes the end marker.
 bool ParsePrintList(Program& p, PrintSpecPtr* items, PrintSpecPtr* end) {
-  size_t start = p.Mark();
+  ParseAttempt attempt(p);
   PrintSpecPtr first = ParsePrintItem(p);
   if (!first) {
-    if (!g_err.parse) SetParseError(err::kBadExpression);
-    p.Restore(start);
+    attempt.Fail(err::kBadExpression);
     return false;
   }
   TokenCode sep = p.GetToken();
@@ -312,7 +302,7 @@ bool ParsePrintList(Program& p, PrintSpecPtr* items, PrintSpecPtr* end) {
   }
   PrintSpecPtr rest;
   if (!ParsePrintList(p, &rest, end)) {
-    p.Restore(start);
+    attempt.Fail();
     return false;
   }
   if (sep == tok::kComma)

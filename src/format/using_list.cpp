@@ -1,5 +1,6 @@
 #include "format/using_list.h"
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 namespace {
@@ -29,28 +30,26 @@ class UsingStringSpec final : public UsingSpec {
 
 // A numeric expression (string comparisons included), else a string one.
 UsingSpecPtr ParseUsingSpec(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (NumericExpPtr exp = ParseNumericExp(p))
     return std::make_unique<UsingNumericSpec>(std::move(exp));
   ErrorCode numericError = g_err.parse;
   SetParseError(0);
-  p.Restore(mark);
+  attempt.Rewind();
   if (StringExpPtr exp = ParseStringExp(p))
     return std::make_unique<UsingStringSpec>(std::move(exp));
-  p.Restore(mark);
-  if (!g_err.parse) SetParseError(numericError ? numericError : err::kBadExpression);
-  return nullptr;
+  return attempt.Fail(numericError ? numericError : err::kBadExpression);
 }
 
 }  // namespace
 
 bool UsingSpecList::Parse(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   do {
     UsingSpecPtr spec = ParseUsingSpec(p);
     if (!spec) {
       specs_.clear();
-      p.Restore(mark);
+      attempt.Fail();
       return false;
     }
     specs_.push_back(std::move(spec));

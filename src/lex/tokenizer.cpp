@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "lex/parse_attempt.h"
+
 namespace {
 
 bool IsDigit(int c) { return c >= '0' && c <= '9'; }
@@ -380,7 +382,7 @@ float ConstantValue(std::string_view text, bool negative) {
 }
 
 bool Tokenizer::AcceptConstant(float* value) {
-  size_t mark = Mark();
+  ParseAttempt constant(*this);
   TokenCode code = GetToken();
   if (code == tok::kHex) {
     uint32_t bits = 0;
@@ -394,7 +396,7 @@ bool Tokenizer::AcceptConstant(float* value) {
   bool negative = code == tok::kMinus;
   if (negative) code = GetToken();
   if (code != tok::kInteger && code != tok::kDecimal && code != tok::kExponent) {
-    Restore(mark);
+    constant.Rewind();
     return false;
   }
   *value = ConstantValue(Text(), negative);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "expr/numeric_exp.h"
+#include "lex/parse_attempt.h"
 #include "stmt/parsers.h"
 #include "stmt/simple_stmts.h"
 
@@ -111,7 +112,7 @@ std::vector<StatementPtr> Program::ParseLine() {
   std::vector<StatementPtr> line;
   std::string_view raw = RawAfterCurrent();
   Reference* lastRef = references_.Last();
-  size_t start = Mark();
+  ParseAttempt whole(*this);
   TokenCode code = GetToken();
   if (code == tok::kEndOfLine) {
     SetParseError(err::kEndOfLine);
@@ -121,7 +122,7 @@ std::vector<StatementPtr> Program::ParseLine() {
     line.push_back(std::make_unique<BlankLineStmt>());
     return line;
   }
-  Restore(start);
+  whole.Rewind();
   StatementPtr stmt;
   bool failed = false;
   // A leading label: a plain word and ":".
@@ -133,7 +134,7 @@ std::vector<StatementPtr> Program::ParseLine() {
     line.push_back(std::make_unique<LabelStmt>(label, !alone));
     if (!alone) failed = !(stmt = ParseStatement(*this));
   } else {
-    Restore(start);
+    whole.Rewind();
     if (Peek() != tok::kComment) failed = !(stmt = ParseStatement(*this));
   }
   if (!failed) {
@@ -154,7 +155,7 @@ std::vector<StatementPtr> Program::ParseLine() {
     line.clear();
     stmt.reset();
     // "REMARKS: ..." fails as a label and a statement; old listings mean a remark.
-    Restore(start);
+    whole.Rewind();
     if (StatementPtr remark = ParseRemWord(*this)) {
       SetParseError(0);
       line.push_back(std::move(remark));
@@ -241,7 +242,7 @@ Statement* TargetRef::Landing() const {
 }
 
 TargetRef ParseTarget(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   if (code == tok::kInteger) {
     uint64_t value = 0;
@@ -253,21 +254,18 @@ TargetRef ParseTarget(Program& p) {
     p.Accept(tok::kColon);
     return TargetRef(p, p.ReferName(name));
   }
-  p.Restore(mark);
+  attempt.Rewind();
   return TargetRef();
 }
 
 TargetRef ParseThenTarget(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (!p.Accept(tok::kThen)) {
-    SetParseError(err::kMissingDelimiter);
+    attempt.Replace(err::kMissingDelimiter);
     return TargetRef();
   }
   TargetRef target = ParseTarget(p);
-  if (!target) {
-    SetParseError(err::kBadStmtNumber);
-    p.Restore(mark);
-  }
+  if (!target) attempt.Replace(err::kBadStmtNumber);
   return target;
 }
 

@@ -2,6 +2,7 @@
 // one value into a list of targets.
 #include <vector>
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -148,7 +149,7 @@ class LetLetStmt final : public LetStmt {
 template <typename Var, typename ExpPtr, typename Item>
 LetListPtr ParseItem(Program& p, std::unique_ptr<Var> (*parseVar)(Program&),
                      ExpPtr (*parseExp)(Program&), ErrorCode missing) {
-  size_t start = p.Mark();
+  ParseAttempt assignment(p);
   TargetList<Var> targets;
   std::vector<size_t> marks;  // position before the separator of each later target
   std::unique_ptr<Var> var = parseVar(p);
@@ -178,9 +179,7 @@ LetListPtr ParseItem(Program& p, std::unique_ptr<Var> (*parseVar)(Program&),
     marks.pop_back();
     targets.DropLast();
   }
-  p.Restore(start);
-  SetParseError(missing);
-  return nullptr;
+  return assignment.Replace(missing);
 }
 
 LetListPtr ParseAssignment(Program& p) {
@@ -199,22 +198,15 @@ LetListPtr ParseAssignment(Program& p) {
 }  // namespace
 
 StatementPtr ParseLet(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   LetListPtr list = ParseAssignment(p);
-  if (!list) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(err::kLetTargetMissing);
-    return nullptr;
-  }
+  if (!list) return attempt.Fail(err::kLetTargetMissing);
   return std::make_unique<LetLetStmt>(std::move(list));
 }
 
 StatementPtr ParseImpliedLet(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   LetListPtr list = ParseAssignment(p);
-  if (!list) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!list) return attempt.Fail();
   return std::make_unique<LetStmt>(std::move(list));
 }

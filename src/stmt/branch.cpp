@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/convert.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
@@ -213,8 +214,9 @@ class RestoreListStmt final : public JumpListStmt {
 };
 
 TargetRef ExpectTarget(Program& p) {
+  ParseAttempt attempt(p);
   TargetRef target = ParseTarget(p);
-  if (!target && !g_err.parse) SetParseError(err::kBadStmtNumber);
+  if (!target) attempt.Fail(err::kBadStmtNumber);
   return target;
 }
 
@@ -222,7 +224,7 @@ TargetRef ExpectTarget(Program& p) {
 // single form; anything else is a selector.
 template <typename Single>
 StatementPtr ParseJump(Program& p, JumpKind kind) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (TargetRef target = ParseTarget(p)) {
     TokenCode next = p.Peek();
     if (next == tok::kEndOfLine || next == tok::kComment) {
@@ -231,21 +233,18 @@ StatementPtr ParseJump(Program& p, JumpKind kind) {
       else
         return std::make_unique<Single>(std::move(target));
     }
-    p.Restore(mark);
+    attempt.Rewind();
   }
   NumericExpPtr selector = ParseNumericExp(p);
-  if (!selector || !p.Accept(tok::kOf)) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(selector ? err::kMissingDelimiter : err::kBadStmtNumber);
-    return nullptr;
-  }
+  if (!selector || !p.Accept(tok::kOf))
+    return attempt.Fail(selector ? err::kMissingDelimiter : err::kBadStmtNumber);
   return ParseJumpList(p, kind, std::move(selector), false);
 }
 
 }  // namespace
 
 StatementPtr ParseJumpList(Program& p, JumpKind kind, NumericExpPtr selector, bool onForm) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   std::vector<TargetRef> targets;
   TargetRef otherwise;
   do {
@@ -255,10 +254,7 @@ StatementPtr ParseJumpList(Program& p, JumpKind kind, NumericExpPtr selector, bo
   } while (p.Accept(tok::kComma));
   bool ok = !g_err.parse;
   if (ok && p.Accept(tok::kElse)) ok = static_cast<bool>(otherwise = ExpectTarget(p));
-  if (!ok) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!ok) return attempt.Fail();
   switch (kind) {
     case JumpKind::kGoto:
       return std::make_unique<GoToListStmt>(p, std::move(selector), std::move(targets),

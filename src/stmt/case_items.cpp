@@ -1,5 +1,6 @@
 #include "stmt/case_items.h"
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 namespace {
@@ -155,10 +156,10 @@ class CaseStringRange final : public StringCase {
 
 // A relation token at the start of an item, or 0.
 TokenCode AcceptRelation(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (tok::Category(op) == tok::kRelation) return op;
-  p.Restore(mark);
+  attempt.Rewind();
   return 0;
 }
 
@@ -186,11 +187,12 @@ StringCasePtr ParseStringCase(Program& p) {
 
 template <typename Item, typename ParseItem>
 std::vector<std::unique_ptr<Item>> ParseItems(Program& p, ParseItem parse, ErrorCode missing) {
+  ParseAttempt attempt(p);
   std::vector<std::unique_ptr<Item>> items;
   do {
     std::unique_ptr<Item> item = parse(p);
     if (!item) {
-      if (!g_err.parse) SetParseError(missing);
+      attempt.Fail(missing);
       items.clear();
       return items;
     }
@@ -202,10 +204,10 @@ std::vector<std::unique_ptr<Item>> ParseItems(Program& p, ParseItem parse, Error
 }  // namespace
 
 bool StartsStringCase(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   AcceptRelation(p);
   TokenCode code = p.GetToken();
-  p.Restore(mark);
+  attempt.Rewind();
   switch (tok::Category(code)) {
     case tok::kStrVar:
     case tok::kStrArray:

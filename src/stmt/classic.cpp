@@ -1,5 +1,6 @@
 // The spellings of old listings: GO TO and GO SUB in two words, and REM run
 // together with the remark (REMARK). They are read here and list in the house form.
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 #include "stmt/simple_stmts.h"
@@ -21,7 +22,7 @@ bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }  // namespace
 
 bool AcceptGo(Program& p, TokenCode keyword) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   if (code == keyword) return true;
   if (tok::Category(code) == tok::kNumVar && IsPlainWord(p) && SameWord(p.Text(), "GO")) {
@@ -31,7 +32,7 @@ bool AcceptGo(Program& p, TokenCode keyword) {
         SameWord(p.Text(), "SUB"))
       return true;
   }
-  p.Restore(mark);
+  attempt.Rewind();
   return false;
 }
 
@@ -42,12 +43,12 @@ StatementPtr ParseClassicGo(Program& p) {
 }
 
 StatementPtr ParseRemWord(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   std::string_view word = p.Text();
   bool remark = tok::Category(code) == tok::kNumVar && IsPlainWord(p) && word.size() > 3 &&
                 SameWord(word.substr(0, 3), "REM") && IsLetter(word[3]);
-  p.Restore(mark);
+  attempt.Rewind();
   if (!remark) return nullptr;
   std::string_view rest = p.RestOfLine();
   while (!rest.empty() && rest.front() == ' ') rest.remove_prefix(1);

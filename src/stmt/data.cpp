@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/data_reader.h"
 #include "stmt/parsers.h"
@@ -215,7 +216,7 @@ bool AtLineEnd(Program& p) {
 }  // namespace
 
 StatementPtr ParseData(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   std::vector<DataItem> items;
   do {
     DataItem item{tok::kNumVar, 0.0f, {}};
@@ -226,9 +227,7 @@ StatementPtr ParseData(Program& p) {
       item.text = p.Text();
       items.push_back(std::move(item));
     } else {
-      SetParseError(err::kBadConstant);
-      p.Restore(mark);
-      return nullptr;
+      return attempt.Replace(err::kBadConstant);
     }
   } while (p.Accept(tok::kComma));
   return std::make_unique<DataStmt>(p.run.data, std::move(items));
@@ -243,15 +242,13 @@ StatementPtr ParseRead(Program& p) {
 // RESTORE, RESTORE <stmtIdentifier>, or RESTORE <selector> OF <targets>.
 StatementPtr ParseRestore(Program& p) {
   if (AtLineEnd(p)) return std::make_unique<RestoreAllStmt>(p.run.data);
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (TargetRef target = ParseTarget(p); target && AtLineEnd(p))
     return std::make_unique<RestoreLineStmt>(p.run.data, std::move(target));
-  p.Restore(mark);
+  attempt.Rewind();
   if (NumericExpPtr selector = ParseNumericExp(p); selector && p.Peek() == tok::kOf)
     return ParseRestoreOf(p, std::move(selector));
-  if (!g_err.parse) SetParseError(err::kBadStmtNumber);
-  p.Restore(mark);
-  return nullptr;
+  return attempt.Fail(err::kBadStmtNumber);
 }
 
 StatementPtr ParseOnEnd(Program& p) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/convert.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -184,71 +185,53 @@ const VarToken* NameIn(Program& p, TokenCode category) {
 // One item, its forms tried in a fixed order; each failed attempt restores
 // the position, and a later form is tried only while no error is stored.
 DimSpecPtr ParseDimSpec(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   std::vector<uint32_t> bounds;
   uint32_t length = 0;
 
   // String array, with or without a length.
   if (const VarToken* name = NameIn(p, tok::kStrArray)) {
-    if (!ParseDimensions(p, false, &bounds)) {
-      if (!g_err.parse) SetParseError(err::kBadDimVar);
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!ParseDimensions(p, false, &bounds)) return attempt.Fail(err::kBadDimVar);
     if (!p.Accept(tok::kLBracket))
       return std::make_unique<DimStringArraySpec>(name, std::move(bounds), 0);
     if (ParseBound(p, &length)) {
       if (p.Accept(tok::kRBracket))
         return std::make_unique<DimStringArraySpec>(name, std::move(bounds), length);
-      SetParseError(err::kMissingRBracket);
+      return attempt.Replace(err::kMissingRBracket);
     }
-    p.Restore(mark);
-    return nullptr;
+    return attempt.Fail();
   }
-  p.Restore(mark);
+  attempt.Rewind();
 
   // String scalar: a length is required, so a bare name fails with 30.
   if (const VarToken* name = NameIn(p, tok::kStrVar)) {
     if (ParseLength(p, &length)) return std::make_unique<DimStringSimpleSpec>(name, length);
-    p.Restore(mark);
-    return nullptr;
+    return attempt.Fail();
   }
-  p.Restore(mark);
+  attempt.Rewind();
 
   if (const VarToken* name = NameIn(p, tok::kNumArray)) {
     if (ParseDimensions(p, true, &bounds))
       return std::make_unique<DimNumericArraySpec>(name, std::move(bounds));
   }
-  p.Restore(mark);
-  return nullptr;
+  return attempt.Fail();
 }
 
 }  // namespace
 
 StatementPtr ParseDim(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   std::vector<DimSpecPtr> specs;
   DimSpecPtr first = ParseDimSpec(p);
-  if (!first) {
-    if (!g_err.parse) SetParseError(err::kBadAllocation);
-    return nullptr;
-  }
+  if (!first) return attempt.Fail(err::kBadAllocation);
   specs.push_back(std::move(first));
   while (p.Accept(tok::kComma)) {
     DimSpecPtr next = ParseDimSpec(p);
-    if (!next) {
-      SetParseError(err::kBadAllocation);
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!next) return attempt.Replace(err::kBadAllocation);
     specs.push_back(std::move(next));
   }
   for (size_t i = 0; i < specs.size(); ++i)
     for (size_t j = i + 1; j < specs.size(); ++j)
-      if (specs[i]->Clashes(*specs[j])) {
-        SetParseError(err::kDimensionedTwice);
-        p.Restore(mark);
-        return nullptr;
-      }
+      if (specs[i]->Clashes(*specs[j])) return attempt.Replace(err::kDimensionedTwice);
   return std::make_unique<DimStmt>(std::move(specs));
 }

@@ -1,6 +1,7 @@
 // END, STOP and SLEEP: the statements that end or pause a run.
 #include "base/convert.h"
 #include "console/console.h"
+#include "lex/parse_attempt.h"
 #include "platform/signals.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
@@ -62,12 +63,8 @@ StatementPtr ParseEnd(Program& p) {
 }
 
 StatementPtr ParseSleep(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr time = ParseNumericExp(p);
-  if (!time) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(err::kBadNumericExp);
-    return nullptr;
-  }
+  if (!time) return attempt.Fail(err::kBadNumericExp);
   return std::make_unique<SleepStmt>(p.run, std::move(time));
 }

@@ -1,4 +1,5 @@
 // FOR and NEXT: counted loops, linked once and run without a loop stack.
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
@@ -144,7 +145,7 @@ SearchAnswer NextStmt::Answer(Search search, Statement* asker) {
 // The loop variable is a simple numeric variable: NEXT names it, and an
 // array element's subscripts could change under the loop.
 std::unique_ptr<NumericSimpleVar> ParseLoopVar(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (tok::Category(p.Peek()) == tok::kNumVar) {
     std::unique_ptr<NumericVar> var = ParseNumericVar(p);
     if (auto* simple = dynamic_cast<NumericSimpleVar*>(var.get())) {
@@ -152,36 +153,30 @@ std::unique_ptr<NumericSimpleVar> ParseLoopVar(Program& p) {
       return std::unique_ptr<NumericSimpleVar>(simple);
     }
   }
-  p.Restore(mark);
-  SetParseError(err::kBadNumericVar);
-  return nullptr;
+  return attempt.Replace(err::kBadNumericVar);
 }
 
 NumericExpPtr ParseOperand(Program& p) {
+  ParseAttempt attempt(p);
   NumericExpPtr exp = ParseNumericExp(p);
-  if (!exp && !g_err.parse) SetParseError(err::kBadNumericExp);
+  if (!exp) return attempt.Fail(err::kBadNumericExp);
   return exp;
 }
 
 }  // namespace
 
 StatementPtr ParseFor(Program& p) {
-  size_t mark = p.Mark();
-  auto fail = [&](ErrorCode code) -> StatementPtr {
-    if (code && !g_err.parse) SetParseError(code);
-    p.Restore(mark);
-    return nullptr;
-  };
+  ParseAttempt attempt(p);
   std::unique_ptr<NumericSimpleVar> var = ParseLoopVar(p);
-  if (!var) return fail(0);
-  if (!p.Accept(tok::kEQ)) return fail(err::kMissingAssignOp);
+  if (!var) return attempt.Fail();
+  if (!p.Accept(tok::kEQ)) return attempt.Fail(err::kMissingAssignOp);
   NumericExpPtr initial = ParseOperand(p);
-  if (!initial) return fail(0);
-  if (!p.Accept(tok::kTo)) return fail(err::kMissingDelimiter);
+  if (!initial) return attempt.Fail();
+  if (!p.Accept(tok::kTo)) return attempt.Fail(err::kMissingDelimiter);
   NumericExpPtr limit = ParseOperand(p);
-  if (!limit) return fail(0);
+  if (!limit) return attempt.Fail();
   NumericExpPtr step;
-  if (p.Accept(tok::kStep) && !(step = ParseOperand(p))) return fail(0);
+  if (p.Accept(tok::kStep) && !(step = ParseOperand(p))) return attempt.Fail();
   return std::make_unique<ForStmt>(std::move(var), std::move(initial), std::move(limit),
                                    std::move(step));
 }

@@ -5,6 +5,7 @@
 
 #include "base/convert.h"
 #include "gdi/gdi.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -76,12 +77,9 @@ class GdiStmt final : public Statement {
 
 // An expression, or null with the parse error set (the expression's own, else code).
 NumericExpPtr Expect(Program& p, ErrorCode code) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr exp = ParseNumericExp(p);
-  if (!exp) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(code);
-  }
+  if (!exp) return attempt.Fail(code);
   return exp;
 }
 

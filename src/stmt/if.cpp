@@ -1,4 +1,5 @@
 // IF in its three forms (jump, one statement, block) with ELSE and ENDIF.
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
@@ -190,31 +191,26 @@ bool LineEnds(Program& p) {
 
 StatementPtr ParseIf(Program& p) {
   if (p.Accept(tok::kEnd)) return ParseOnEnd(p);
-  size_t mark = p.Mark();
-  auto fail = [&](ErrorCode code) -> StatementPtr {
-    if (!g_err.parse) SetParseError(code);
-    p.Restore(mark);
-    return nullptr;
-  };
+  ParseAttempt attempt(p);
   NumericExpPtr condition = ParseNumericExp(p);
-  if (!condition) return fail(err::kBadNumericExp);
-  if (!p.Accept(tok::kThen)) return fail(err::kMissingDelimiter);
+  if (!condition) return attempt.Fail(err::kBadNumericExp);
+  if (!p.Accept(tok::kThen)) return attempt.Fail(err::kMissingDelimiter);
   if (LineEnds(p)) return std::make_unique<IfDoStmt>(std::move(condition));
 
-  size_t then = p.Mark();
+  ParseAttempt then(p);
   if (TargetRef target = ParseTarget(p)) {
     // A name that goes on ("THEN A=1") is the start of an assignment.
     if (LineEnds(p)) return std::make_unique<IfStmtLabel>(std::move(condition), std::move(target));
-    p.Restore(then);
+    then.Rewind();
   }
   TokenCode keyword = p.Peek();
-  if (RefusedAfterThen(keyword)) return fail(err::kNotAfterThen);
+  if (RefusedAfterThen(keyword)) return attempt.Fail(err::kNotAfterThen);
   // An IF after THEN would nest one IF's parts inside another's.
-  if (keyword == tok::kIf) return fail(err::kCompoundStmt);
+  if (keyword == tok::kIf) return attempt.Fail(err::kCompoundStmt);
   StatementPtr stmt = ParseStatement(p);
-  if (!stmt) return fail(0);
+  if (!stmt) return attempt.Fail();
   // END IF, END WHILE and END SELECT start with END.
-  if (RefusedAfterThen(stmt->Code())) return fail(err::kNotAfterThen);
+  if (RefusedAfterThen(stmt->Code())) return attempt.Fail(err::kNotAfterThen);
   return std::make_unique<IfStmtStmt>(std::move(condition), std::move(stmt));
 }
 

@@ -1,5 +1,6 @@
 // INPUT: typed values into a list of variables, with the classic re-type prompts.
 #include "console/console.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/input_loop.h"
 #include "stmt/input_scanner.h"
@@ -137,26 +138,15 @@ void RunInput(Console& con, const char* prompt, InputSlots& slots, uint32_t loca
 }
 
 StatementPtr ParseInput(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TargetList targets;
   if (p.Accept(tok::kString)) {
     std::string prompt(p.Text());
-    if (!p.Accept(tok::kComma)) {
-      SetParseError(err::kMissingDelimiter);
-      p.Restore(mark);
-      return nullptr;
-    }
-    if (!ParseTargetList(p, &targets) || targets.empty()) {
-      SetParseError(err::kBadStringVar);
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!p.Accept(tok::kComma)) return attempt.Replace(err::kMissingDelimiter);
+    if (!ParseTargetList(p, &targets) || targets.empty())
+      return attempt.Replace(err::kBadStringVar);
     return std::make_unique<InputPromptStmt>(p.run, prompt, std::move(targets));
   }
-  if (!ParseTargetList(p, &targets) || targets.empty()) {
-    SetParseError(err::kBadTarget);
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!ParseTargetList(p, &targets) || targets.empty()) return attempt.Replace(err::kBadTarget);
   return std::make_unique<InputStmt>(p.run, std::move(targets));
 }

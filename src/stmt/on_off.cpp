@@ -1,5 +1,6 @@
 // ON <exp> GOTO/GOSUB/RESTORE, ON ERROR and OFF ERROR (the latter two are
 // accepted so that programs load and list, and refuse to run).
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
@@ -46,13 +47,9 @@ StatementPtr ParseOnError(Program& p) {
 StatementPtr ParseOn(Program& p) {
   if (p.Accept(tok::kError)) return ParseOnError(p);
   if (p.Accept(tok::kEnd)) return ParseOnEnd(p);
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr selector = ParseNumericExp(p);
-  if (!selector) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(err::kBadNumericExp);
-    return nullptr;
-  }
+  if (!selector) return attempt.Fail(err::kBadNumericExp);
   JumpKind kind;
   if (AcceptGo(p, tok::kGoto)) {
     kind = JumpKind::kGoto;
@@ -61,12 +58,10 @@ StatementPtr ParseOn(Program& p) {
   } else if (p.Accept(tok::kRestore)) {
     kind = JumpKind::kRestore;
   } else {
-    p.Restore(mark);
-    SetParseError(err::kMissingKeyword);
-    return nullptr;
+    return attempt.Replace(err::kMissingKeyword);
   }
   StatementPtr stmt = ParseJumpList(p, kind, std::move(selector), true);
-  if (!stmt) p.Restore(mark);
+  if (!stmt) return attempt.Fail();
   return stmt;
 }
 

@@ -1,6 +1,7 @@
 // SELECT ... CASE ... ENDSELECT over a numeric or a string selector.
 #include <vector>
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/case_items.h"
@@ -232,25 +233,21 @@ bool LineEnds(Program& p) {
 }  // namespace
 
 StatementPtr ParseSelect(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (StringExpPtr text = ParseStringExp(p); text && LineEnds(p))
     return std::make_unique<SelectStringStmt>(std::move(text));
   // A string expression that goes on is a comparison: a numeric selector.
-  p.Restore(mark);
+  attempt.Rewind();
   SetParseError(0);
   NumericExpPtr number = ParseNumericExp(p);
-  if (!number) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(err::kBadExpression);
-    return nullptr;
-  }
+  if (!number) return attempt.Fail(err::kBadExpression);
   return std::make_unique<SelectNumericStmt>(std::move(number));
 }
 
 // The first item decides whether the CASE is numeric or string.
 StatementPtr ParseCase(Program& p) {
   if (p.Accept(tok::kElse)) return std::make_unique<CaseElseStmt>();
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (StartsStringCase(p)) {
     std::vector<StringCasePtr> items = ParseStringCases(p);
     if (!items.empty()) return std::make_unique<CaseStringStmt>(std::move(items));
@@ -258,8 +255,7 @@ StatementPtr ParseCase(Program& p) {
     std::vector<NumericCasePtr> items = ParseNumericCases(p);
     if (!items.empty()) return std::make_unique<CaseNumericStmt>(std::move(items));
   }
-  p.Restore(mark);
-  return nullptr;
+  return attempt.Fail();
 }
 
 StatementPtr ParseEndSelect(Program&) { return std::make_unique<EndSelectStmt>(); }

@@ -1,5 +1,6 @@
 #include "stmt/targets.h"
 
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 
 namespace {
@@ -13,16 +14,15 @@ std::unique_ptr<Target> ParseOneTarget(Program& p) {
 }  // namespace
 
 bool ParseTargetList(Program& p, TargetList* out) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   auto first = ParseOneTarget(p);
   if (!first) return true;
   out->push_back(std::move(first));
   while (p.Accept(tok::kComma)) {
     auto next = ParseOneTarget(p);
     if (!next) {
-      SetParseError(err::kBadTarget);
+      attempt.Replace(err::kBadTarget);
       out->clear();
-      p.Restore(mark);
       return false;
     }
     out->push_back(std::move(next));

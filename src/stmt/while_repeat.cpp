@@ -1,4 +1,5 @@
 // WHILE ... NEXT/ENDWHILE and REPEAT ... UNTIL: condition loops.
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
@@ -148,12 +149,9 @@ void UntilStmt::Dump(std::string& out) const {
 }
 
 NumericExpPtr ParseCondition(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr exp = ParseNumericExp(p);
-  if (!exp) {
-    p.Restore(mark);
-    if (!g_err.parse) SetParseError(err::kBadNumericExp);
-  }
+  if (!exp) return attempt.Fail(err::kBadNumericExp);
   return exp;
 }
 
