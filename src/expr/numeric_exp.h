@@ -1,4 +1,6 @@
 // Numeric expression trees: parsed once, listed back, evaluated in 32-bit floats.
+// Inherited names: an operator's EC form (BinaryEC) has its right operand, a
+// literal, folded in as a constant; Primary is a parenthesised expression.
 #pragma once
 #include <cstdarg>
 #include <cstddef>

@@ -13,26 +13,6 @@ int CompareStrings(std::string_view a, std::string_view b) {
   return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
-void ListStringLiteral(std::string& out, std::string_view text) {
-  if (text.empty()) {
-    out += "\"\"";
-    return;
-  }
-  bool open = false;
-  for (unsigned char c : text) {
-    bool printable = c >= 32 && c <= 126 && c != '"';
-    if (printable != open) {
-      out += '"';
-      open = printable;
-    }
-    if (printable)
-      out += static_cast<char>(c);
-    else
-      Appendf(out, "'%u", c);
-  }
-  if (open) out += '"';
-}
-
 namespace {
 
 class StringLit final : public StringExp {

@@ -34,8 +34,6 @@ StringExpPtr ParseStringUserCall(Program& prog);
 
 // A literal node, for parsers that build trees of their own.
 StringExpPtr MakeStringLit(std::string_view text);
-// Lists a literal: printable runs in double quotes, other characters as 'code.
-void ListStringLiteral(std::string& out, std::string_view text);
 
 // Signed-byte comparison, then length: <0, 0 or >0.
 int CompareStrings(std::string_view a, std::string_view b);

@@ -1,5 +1,7 @@
 // Variable references: expression leaves and assignment targets that the link
 // pass binds to storage once, so reading them at run time is a pointer load.
+// Inherited names: Simple is a scalar, Script an array element (from
+// "subscript"), Parm a DEF parameter, Whole a string without a substring part.
 #pragma once
 #include <memory>
 #include <string_view>

@@ -1,6 +1,7 @@
 #include "lex/tokenizer.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -405,26 +406,10 @@ bool Tokenizer::AcceptConstant(float* value) {
 
 std::string Tokenizer::DumpTokens() {
   std::string out;
-  char buf[8];
   for (const Token& token : tokens_) {
     std::string_view text = TextOf(token);
     if (token.lexClass == tok::kString) {
-      if (text.empty()) out += "\"\"";
-      bool open = false;
-      for (unsigned char c : text) {
-        bool printable = c >= 32 && c <= 126 && c != '"';
-        if (printable != open) {
-          out += '"';
-          open = printable;
-        }
-        if (printable) {
-          out += static_cast<char>(c);
-        } else {
-          snprintf(buf, sizeof buf, "'%u", c);
-          out += buf;
-        }
-      }
-      if (open) out += '"';
+      ListStringLiteral(out, text);
       continue;
     }
     TokenCode cat = tok::Category(token.code);
@@ -435,4 +420,27 @@ std::string Tokenizer::DumpTokens() {
     if (spaced) out += ' ';
   }
   return out;
+}
+
+void ListStringLiteral(std::string& out, std::string_view text) {
+  if (text.empty()) {
+    out += "\"\"";
+    return;
+  }
+  char code[8];
+  bool open = false;
+  for (unsigned char c : text) {
+    bool printable = c >= 32 && c <= 126 && c != '"';
+    if (printable != open) {
+      out += '"';
+      open = printable;
+    }
+    if (printable) {
+      out += static_cast<char>(c);
+    } else {
+      std::snprintf(code, sizeof code, "'%u", c);
+      out += code;
+    }
+  }
+  if (open) out += '"';
 }

@@ -118,5 +118,9 @@ class Tokenizer : public Scanner {
   SymbolTable strFns_{tok::kStrUserFn};
 };
 
+// Writes a string literal as it is typed: printable runs in double quotes,
+// other characters as 'code ("A"'10"B").
+void ListStringLiteral(std::string& out, std::string_view text);
+
 // Converts the text of a decimal constant with the overflow rule of constants.
 float ConstantValue(std::string_view text, bool negative);

@@ -91,6 +91,11 @@ class Shell {
   void NewProgram(std::unique_ptr<Program> prog);
   // Reads "[start [end]]"; false after printing the range message.
   bool Range(uint32_t* start, uint32_t* end);
+  // Writes a line for each statement from start to end (unnumbered ones where
+  // they stand, hidden ones only withHidden), as format fills it; false when
+  // Ctrl+C stopped the walk.
+  template <typename Format>
+  bool WriteRange(uint32_t start, uint32_t end, bool withHidden, Format format);
 
   std::unique_ptr<Program> prog_;
   Console& con_;
@@ -242,22 +247,30 @@ void Shell::List() {
   TestAndClearBreak();
   if (!prog_->Name().empty()) con_.Printf("%s\n", prog_->Name().c_str());
   con_.Write("\n");
-  std::string text;
   int depth = 0;
+  bool whole = WriteRange(start, end, false, [&](std::string& text, const Statement* s) {
+    depth = prog_->ListLine(text, s, 3, depth, true);
+  });
+  if (whole) con_.Write("\n");
+}
+
+template <typename Format>
+bool Shell::WriteRange(uint32_t start, uint32_t end, bool withHidden, Format format) {
+  std::string text;
   for (const Statement* s = prog_->First(); s; s = s->Next()) {
     if (TestAndClearBreak()) {
       con_.Write("\nBREAK\n");
-      return;
+      return false;
     }
     uint32_t number = s->Number();
     if (number > end) break;
-    if (s->Hidden() || (number != 0 && number < start)) continue;
+    if ((s->Hidden() && !withHidden) || (number != 0 && number < start)) continue;
     text.clear();
-    depth = prog_->ListLine(text, s, 3, depth, true);
+    format(text, s);
     text += '\n';
     con_.Write(text);
   }
-  con_.Write("\n");
+  return true;
 }
 
 void Shell::RunProgram() {
@@ -422,22 +435,11 @@ void Shell::Dump() {
   uint32_t start = 1, end;
   if (!Range(&start, &end)) return;
   TestAndClearBreak();
-  std::string text;
-  for (const Statement* s = prog_->First(); s; s = s->Next()) {
-    if (TestAndClearBreak()) {
-      con_.Write("\nBREAK\n");
-      return;
-    }
-    uint32_t number = s->Number();
-    if (number > end) break;
-    if (number != 0 && number < start) continue;
-    text.clear();
-    Appendf(text, "%4u [%3lu]%02x ", number, static_cast<unsigned long>(s->Size()),
+  WriteRange(start, end, true, [](std::string& text, const Statement* s) {
+    Appendf(text, "%4u [%3lu]%02x ", s->Number(), static_cast<unsigned long>(s->Size()),
             s->Location() & 0xFF);
     s->Dump(text);
-    text += '\n';
-    con_.Write(text);
-  }
+  });
 }
 
 void Shell::Labels() {

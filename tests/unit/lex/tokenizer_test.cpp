@@ -189,3 +189,17 @@ TEST(Tokenizer, RestOfLineKeepsTheRawText) {
 }
 
 }  // namespace
+
+namespace {
+
+// The edges of what is printable: blank and "~" are, DEL and '"' are not.
+TEST(Tokenizer, LiteralsListAsTyped) {
+  std::string out;
+  ListStringLiteral(out, std::string_view("~\x7f \x1f\"", 5));
+  EXPECT_EQ(out, "\"~\"'127\" \"'31'34");
+  out.clear();
+  ListStringLiteral(out, "");
+  EXPECT_EQ(out, "\"\"");
+}
+
+}  // namespace
