@@ -350,19 +350,13 @@ namespace {
 // array; a bracket after the name is a token of its own, left for the caller.
 template <typename Var>
 std::unique_ptr<Var> ParseMatrix(Program& p, TokenCode simple, TokenCode array) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   const VarToken* name = SymbolOf(p, code);
   TokenCode category = tok::Category(code);
-  if (!name || (category != simple && category != array)) {
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!name || (category != simple && category != array)) return attempt.Fail();
   if (category == simple) name = p.Table(array).FindOrCreate(name->Name());
-  if (!name) {  // the array table is full
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!name) return attempt.Fail();  // the array table is full
   return Register(p, std::make_unique<Var>(name));
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "format/number_format.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -128,33 +129,27 @@ class ConvertStringStmt final : public Statement {
   std::unique_ptr<StringVar> target_;
 };
 
-StatementPtr Refuse(Program& p, size_t mark, ErrorCode code) {
-  if (!g_err.parse) SetParseError(code);
-  p.Restore(mark);
-  return nullptr;
-}
-
 }  // namespace
 
 // A string expression is tried first: "A$ TO" reads as text to number.
 StatementPtr ParseConvert(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   ErrorCode before = g_err.parse;
   if (StringExpPtr text = ParseStringExp(p); text && p.Accept(tok::kTo)) {
     std::unique_ptr<NumericVar> target = ParseNumericVar(p);
-    if (!target) return Refuse(p, mark, err::kBadNumericVar);
+    if (!target) return attempt.Fail(err::kBadNumericVar);
     TargetRef otherwise;
     if (p.Accept(tok::kComma) && !(otherwise = ParseTarget(p)))
-      return Refuse(p, mark, err::kBadStmtNumber);
+      return attempt.Fail(err::kBadStmtNumber);
     return std::make_unique<ConvertNumberStmt>(std::move(text), std::move(target),
                                                std::move(otherwise));
   }
-  p.Restore(mark);
+  attempt.Rewind();
   SetParseError(before);
   NumericExpPtr number = ParseNumericExp(p);
-  if (!number) return Refuse(p, mark, err::kBadExpression);
-  if (!p.Accept(tok::kTo)) return Refuse(p, mark, err::kMissingDelimiter);
+  if (!number) return attempt.Fail(err::kBadExpression);
+  if (!p.Accept(tok::kTo)) return attempt.Fail(err::kMissingDelimiter);
   std::unique_ptr<StringVar> target = ParseStringVar(p);
-  if (!target) return Refuse(p, mark, err::kBadStringVar);
+  if (!target) return attempt.Fail(err::kBadStringVar);
   return std::make_unique<ConvertStringStmt>(std::move(number), std::move(target));
 }

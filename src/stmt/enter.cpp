@@ -2,6 +2,7 @@
 // and ENTER #, the number of the terminal's port.
 #include "base/convert.h"
 #include "console/console.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
@@ -122,45 +123,31 @@ class EnterPortStmt final : public Statement {
 
 // "seconds, response, target"; null with the parse error set.
 std::unique_ptr<TimedEntry> ParseTimedEntry(Program& p) {
+  ParseAttempt attempt(p);
   NumericExpPtr seconds = ParseNumericExp(p);
-  if (!seconds) {
-    if (!g_err.parse) SetParseError(err::kBadNumericExp);
-    return nullptr;
-  }
-  if (!p.Accept(tok::kComma)) {
-    SetParseError(err::kMissingDelimiter);
-    return nullptr;
-  }
+  if (!seconds) return attempt.Fail(err::kBadNumericExp);
+  if (!p.Accept(tok::kComma)) return attempt.Replace(err::kMissingDelimiter);
   std::unique_ptr<NumericVar> response = ParseNumericVar(p);
-  if (!response) {
-    if (!g_err.parse) SetParseError(err::kBadNumericVar);
-    return nullptr;
-  }
-  if (!p.Accept(tok::kComma)) {
-    SetParseError(err::kMissingDelimiter);
-    return nullptr;
-  }
+  if (!response) return attempt.Fail(err::kBadNumericVar);
+  if (!p.Accept(tok::kComma)) return attempt.Replace(err::kMissingDelimiter);
   std::unique_ptr<Target> target;
   if (auto numeric = ParseNumericVar(p))
     target = std::make_unique<NumericTarget>(std::move(numeric));
   else if (auto text = ParseStringVar(p))
     target = std::make_unique<StringTarget>(std::move(text));
-  if (!target) {
-    if (!g_err.parse) SetParseError(err::kBadTarget);
-    return nullptr;
-  }
+  if (!target) return attempt.Fail(err::kBadTarget);
   return std::make_unique<TimedEntry>(std::move(seconds), std::move(response), std::move(target));
 }
 
 }  // namespace
 
 StatementPtr ParseEnter(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   StatementPtr stmt;
   if (p.Accept(tok::kHash)) {
     std::unique_ptr<NumericVar> port = ParseNumericVar(p);
     if (!port) {
-      if (!g_err.parse) SetParseError(err::kBadNumericVar);
+      attempt.Fail(err::kBadNumericVar);
     } else if (!p.Accept(tok::kComma)) {
       stmt = std::make_unique<EnterPortStmt>(p.run, std::move(port), nullptr);
     } else if (auto entry = ParseTimedEntry(p)) {
@@ -169,6 +156,6 @@ StatementPtr ParseEnter(Program& p) {
   } else if (auto entry = ParseTimedEntry(p)) {
     stmt = std::make_unique<EnterStmt>(p.run, std::move(*entry));
   }
-  if (!stmt) p.Restore(mark);
+  if (!stmt) return attempt.Fail();
   return stmt;
 }

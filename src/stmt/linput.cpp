@@ -1,5 +1,6 @@
 // LINPUT: one whole typed line, blanks, quotes and commas included, into a string.
 #include "console/console.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 
@@ -59,23 +60,15 @@ class LinputUserPromptStmt final : public LinputUserStmt {
 
 // LINPUT ["prompt",] stringVar, as INPUT takes its prompt.
 StatementPtr ParseLinput(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   std::string prompt;
   bool prompted = p.Accept(tok::kString);
   if (prompted) {
     prompt = p.Text();
-    if (!p.Accept(tok::kComma)) {
-      SetParseError(err::kMissingDelimiter);
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (!p.Accept(tok::kComma)) return attempt.Replace(err::kMissingDelimiter);
   }
   std::unique_ptr<StringVar> target = ParseStringVar(p);
-  if (!target) {
-    if (!g_err.parse) SetParseError(err::kBadStringVar);
-    p.Restore(mark);
-    return nullptr;
-  }
+  if (!target) return attempt.Fail(err::kBadStringVar);
   if (prompted) return std::make_unique<LinputUserPromptStmt>(p.run, prompt, std::move(target));
   return std::make_unique<LinputUserStmt>(p.run, std::move(target));
 }

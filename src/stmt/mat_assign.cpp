@@ -3,6 +3,7 @@
 // bounds of the result, within the room it was created with.
 #include <algorithm>
 
+#include "lex/parse_attempt.h"
 #include "platform/break_flag.h"
 #include "shell/program.h"
 #include "stmt/mat.h"
@@ -410,7 +411,7 @@ StatementPtr ParseMat(Program& p) {
   if (p.Accept(tok::kRead)) return ParseMatRead(p);
   if (p.Accept(tok::kInput)) return ParseMatInput(p);
   if (p.Accept(tok::kPrint)) return ParseMatPrint(p);
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   StatementPtr stmt;
   if (NumericMatrixPtr target = ParseNumericMatrix(p)) {
     if (p.Accept(tok::kEQ)) stmt = ParseNumericValue(p, std::move(target));
@@ -420,9 +421,6 @@ StatementPtr ParseMat(Program& p) {
     SetParseError(err::kBadMatrixVar);
     return nullptr;
   }
-  if (!stmt) {
-    if (!g_err.parse) SetParseError(err::kBadMatrixAssign);
-    p.Restore(mark);
-  }
+  if (!stmt) return attempt.Fail(err::kBadMatrixAssign);
   return stmt;
 }

@@ -4,6 +4,7 @@
 #include "console/console.h"
 #include "format/number_format.h"
 #include "format/print_list.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/data_reader.h"
 #include "stmt/input_loop.h"
@@ -14,10 +15,10 @@
 
 bool NewBounds::Parse(Program& p, NewBoundsPtr* out) {
   out->reset();
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   TokenCode open = p.GetToken();
   if (open != tok::kLParen && open != tok::kLBracket) {
-    p.Restore(mark);
+    attempt.Rewind();
     return true;
   }
   auto bounds = std::make_unique<NewBounds>();
@@ -29,8 +30,7 @@ bool NewBounds::Parse(Program& p, NewBoundsPtr* out) {
   } while (ok && p.Accept(tok::kComma));
   // Every failure of the list reads as DIM's does.
   if (!ok || !(p.Accept(tok::kRParen) || p.Accept(tok::kRBracket))) {
-    SetParseError(err::kBadParamList);
-    p.Restore(mark);
+    attempt.Replace(err::kBadParamList);
     return false;
   }
   *out = std::move(bounds);
@@ -336,20 +336,14 @@ bool AtStatementEnd(Program& p) {
 }  // namespace
 
 MatArrayPtr ParseMatArray(Program& p, bool withBounds) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NewBoundsPtr bounds;
   if (auto numeric = ParseNumericMatrix(p)) {
-    if (withBounds && !NewBounds::Parse(p, &bounds)) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (withBounds && !NewBounds::Parse(p, &bounds)) return attempt.Fail();
     return std::make_unique<NumericMatArray>(std::move(numeric), std::move(bounds));
   }
   if (auto text = ParseStringMatrix(p)) {
-    if (withBounds && !NewBounds::Parse(p, &bounds)) {
-      p.Restore(mark);
-      return nullptr;
-    }
+    if (withBounds && !NewBounds::Parse(p, &bounds)) return attempt.Fail();
     return std::make_unique<StringMatArray>(std::move(text), std::move(bounds));
   }
   SetParseError(err::kBadMatrixVar);
