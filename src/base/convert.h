@@ -43,6 +43,26 @@ inline int32_t RoundToInt32(float x) {
   return static_cast<int32_t>(ToIntClamped(RoundHalfUp(x), INT32_MIN, INT32_MAX, INT32_MIN));
 }
 
+// True, with the number in *out, when x is a whole number strictly inside the
+// 32-bit range (INT32_MIN is left out, so a remainder by -1 cannot overflow).
+inline bool ExactInt32(float x, int32_t* out) {
+  if (!(x > -2147483648.0f && x < 2147483648.0f)) return false;
+  auto whole = static_cast<int32_t>(x);  // in range: the cast truncates
+  if (static_cast<float>(whole) != x) return false;
+  *out = whole;
+  return true;
+}
+
+// The zero-based index of an array subscript: x rounded half up when that lies
+// in 1..bound; false otherwise, NaN included. RoundHalfUp and ToIntIn without
+// the floor call: truncating a value of at least 1 is its floor.
+inline bool SubscriptIndex(float x, uint32_t bound, uint32_t* index) {
+  double shifted = double{x} + 0.5;
+  if (!(shifted >= 1.0 && shifted < bound + 1.0)) return false;
+  *index = static_cast<uint32_t>(shifted) - 1;
+  return true;
+}
+
 // Doubles narrow to the interpreter's floats as IEEE arithmetic rounds: beyond
 // the float range a result becomes an infinity, as 1E38*10 does, and NaN stays NaN.
 static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559);

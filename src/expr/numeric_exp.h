@@ -44,6 +44,11 @@ NumericExpPtr ParseNumericUserCall(Program& prog);
 
 // A numeric literal node, for parsers that build trees of their own.
 NumericExpPtr MakeNumericLit(float value);
+// True, with its value, when node is a literal.
+bool LiteralValue(const NumericExp* node, float* value);
+// The node inside any parentheses around it (a parenthesised node only passes
+// its operand's value on).
+NumericExp* LookThrough(NumericExp* node);
 // The node of a binary operator code (arithmetic, MIN/MAX, relation or logical)
 // over two trees, unfolded; null for any other code.
 NumericExpPtr MakeNumericOperator(TokenCode op, NumericExpPtr left, NumericExpPtr right);

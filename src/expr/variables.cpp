@@ -5,6 +5,7 @@
 
 #include "base/convert.h"
 #include "base/dialect.h"
+#include "expr/operands.h"
 #include "lex/parse_attempt.h"
 #include "shell/program.h"
 
@@ -26,11 +27,6 @@ size_t SubscriptsSize(const std::vector<NumericExpPtr>& subscripts) {
   size_t size = 0;
   for (const auto& s : subscripts) size += s->Size();
   return size;
-}
-
-// Evaluates subscripts last to first, as the index is resolved.
-void EvaluateSubscripts(std::vector<NumericExpPtr>& subscripts, std::vector<float>& values) {
-  for (size_t i = subscripts.size(); i-- > 0;) values[i] = subscripts[i]->Evaluate();
 }
 
 // Subscripts in any bracket pair, at least one, separated by ",".
@@ -66,22 +62,143 @@ ErrorCode BindArray(std::unique_ptr<Data>& array, const VarToken* name, size_t s
   return 0;
 }
 
-// The addressed element, or null with 1002 raised unless an error is already set.
+// Raises 1002 for an element out of bounds, unless a subscript raised an error first.
+std::nullptr_t OutOfBounds() {
+  if (!g_err.run) SetRunError(err::kSubscriptOutOfBounds);
+  return nullptr;
+}
+
+// MAT may have given the array another number of dimensions since the link.
+[[gnu::cold]] std::nullptr_t Reshaped() {
+  if (!g_err.run) SetRunError(err::kDimensionMismatch);
+  return nullptr;
+}
+
+// The element that subscripts address: the last one must lie inside its bound;
+// an earlier one outside its bound adds nothing (the first row is addressed).
+// Subscripts are evaluated last to first, as the index is resolved.
+template <typename Data>
+auto ElementOf(Data* data, float first) -> decltype(&data->elements[0]) {
+  uint32_t index;
+  if (data->dims.Count() != 1) [[unlikely]]
+    return Reshaped();
+  if (!conv::SubscriptIndex(first, data->dims.Bound(0), &index)) return OutOfBounds();
+  return &data->elements[index];
+}
+
+template <typename Data>
+auto ElementOf(Data* data, float first, float second) -> decltype(&data->elements[0]) {
+  uint32_t index, row;
+  if (data->dims.Count() != 2) [[unlikely]]
+    return Reshaped();
+  if (!conv::SubscriptIndex(second, data->dims.Bound(1), &index)) return OutOfBounds();
+  if (conv::SubscriptIndex(first, data->dims.Bound(0), &row)) index += row * data->dims.Stride(0);
+  return &data->elements[index];
+}
+
 template <typename Data>
 auto ElementOf(Data* data, std::vector<NumericExpPtr>& subscripts, std::vector<float>& values)
     -> decltype(&data->elements[0]) {
-  EvaluateSubscripts(subscripts, values);
-  // MAT may have given the array another number of dimensions since the link.
-  if (data->dims.Count() != values.size()) [[unlikely]] {
-    if (!g_err.run) SetRunError(err::kDimensionMismatch);
-    return nullptr;
-  }
+  for (size_t i = subscripts.size(); i-- > 0;) values[i] = subscripts[i]->Evaluate();
+  if (data->dims.Count() != values.size()) [[unlikely]]
+    return Reshaped();
   int64_t index = ElementIndex(data->dims, values.data());
-  if (index < 0) {
-    if (!g_err.run) SetRunError(err::kSubscriptOutOfBounds);
-    return nullptr;
-  }
+  if (index < 0) return OutOfBounds();
   return &data->elements[index];
+}
+
+// Where an element class finds its element: the subscripts read through
+// operand forms (one or two of them), or through the list (any number).
+template <typename S>
+class At1 final {
+ public:
+  explicit At1(std::vector<NumericExpPtr>& subscripts) : s_(LookThrough(subscripts[0].get())) {}
+  template <typename Data>
+  auto Find(Data* data) {
+    return ElementOf(data, s_.Get());
+  }
+
+ private:
+  S s_;
+};
+
+template <typename S1, typename S2>
+class At2 final {
+ public:
+  explicit At2(std::vector<NumericExpPtr>& subscripts)
+      : s1_(LookThrough(subscripts[0].get())), s2_(LookThrough(subscripts[1].get())) {}
+  template <typename Data>
+  auto Find(Data* data) {
+    float second = s2_.Get();
+    return ElementOf(data, s1_.Get(), second);
+  }
+
+ private:
+  S1 s1_;
+  S2 s2_;
+};
+
+class AtN final {
+ public:
+  explicit AtN(std::vector<NumericExpPtr>& subscripts)
+      : subscripts_(subscripts), values_(subscripts.size()) {}
+  template <typename Data>
+  auto Find(Data* data) {
+    return ElementOf(data, subscripts_, values_);
+  }
+
+ private:
+  std::vector<NumericExpPtr>& subscripts_;  // the owning node's
+  std::vector<float> values_;  // evaluated subscripts; sized once, so reads never allocate
+};
+
+template <typename At>
+class NumericElement final : public NumericScriptVar {
+ public:
+  NumericElement(const VarToken* name, std::vector<NumericExpPtr> subscripts)
+      : NumericScriptVar(name, std::move(subscripts)), at_(subscripts_) {}
+  float Evaluate() override {
+    float* element = at_.Find(data_);
+    return element ? ReadValue(*element) : 0.0f;
+  }
+  void Assign(float value) override {
+    if (float* element = at_.Find(data_)) *element = value;
+  }
+
+ private:
+  At at_;
+};
+
+template <typename At>
+class StringElement final : public StringScriptVar {
+ public:
+  StringElement(const VarToken* name, std::vector<NumericExpPtr> subscripts)
+      : StringScriptVar(name, std::move(subscripts)), at_(subscripts_) {}
+  StringValue* Locate() override { return at_.Find(data_); }
+
+ private:
+  At at_;
+};
+
+// The element class that fits the subscripts.
+template <template <typename> class Element, typename Base>
+std::unique_ptr<Base> MakeElement(const VarToken* name, std::vector<NumericExpPtr> subscripts) {
+  NumericExp* first = subscripts[0].get();
+  if (subscripts.size() == 1) {
+    return WithVarOperand(first, [&](auto s) -> std::unique_ptr<Base> {
+      return std::make_unique<Element<At1<decltype(s)>>>(name, std::move(subscripts));
+    });
+  }
+  if (subscripts.size() == 2) {
+    NumericExp* second = subscripts[1].get();
+    return WithVarOperand(first, [&](auto s1) {
+      return WithVarOperand(second, [&](auto s2) -> std::unique_ptr<Base> {
+        using At = At2<decltype(s1), decltype(s2)>;
+        return std::make_unique<Element<At>>(name, std::move(subscripts));
+      });
+    });
+  }
+  return std::make_unique<Element<AtN>>(name, std::move(subscripts));
 }
 
 template <typename T>
@@ -131,17 +248,6 @@ ErrorCode NumericScriptVar::Link(Program& prog) {
   return BindArray(prog.NumericArray(name_), name_, subscripts_.size(), MakeNumericArray, &data_);
 }
 
-float* NumericScriptVar::Element() { return ElementOf(data_, subscripts_, values_); }
-
-float NumericScriptVar::Evaluate() {
-  float* element = Element();
-  return element ? ReadValue(*element) : 0.0f;
-}
-
-void NumericScriptVar::Assign(float value) {
-  if (float* element = Element()) *element = value;
-}
-
 // --- String references.
 
 void StringSimpleVar::List(std::string& out) const { out += name_->Name(); }
@@ -164,8 +270,6 @@ void StringScriptVar::List(std::string& out) const {
 ErrorCode StringScriptVar::Link(Program& prog) {
   return BindArray(prog.StringArray(name_), name_, subscripts_.size(), MakeStringArray, &data_);
 }
-
-StringValue* StringScriptVar::Locate() { return ElementOf(data_, subscripts_, values_); }
 
 // --- Whole arrays.
 
@@ -303,8 +407,8 @@ std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
   if (tok::Category(code) == tok::kNumArray && name) {
     std::vector<NumericExpPtr> subscripts;
     if (ParseSubscripts(p, &subscripts))
-      return Register<NumericVar>(p,
-                                  std::make_unique<NumericScriptVar>(name, std::move(subscripts)));
+      return Register<NumericVar>(
+          p, MakeElement<NumericElement, NumericScriptVar>(name, std::move(subscripts)));
   }
   return attempt.Fail();
 }
@@ -323,7 +427,7 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
   } else if (tok::Category(code) == tok::kStrArray && name) {
     std::vector<NumericExpPtr> subscripts;
     if (ParseSubscripts(p, &subscripts))
-      base = std::make_unique<StringScriptVar>(name, std::move(subscripts));
+      base = MakeElement<StringElement, StringScriptVar>(name, std::move(subscripts));
   }
   if (!base) return attempt.Fail();
   p.References().Append(base.get());

@@ -77,21 +77,18 @@ class NumericParmVar final : public NumericVar {
   unsigned slot_;
 };
 
-class NumericScriptVar final : public NumericVar {
+// An array element. The parser makes one of the classes in variables.cpp:
+// one or two subscripts are read through operand forms, more through a list.
+class NumericScriptVar : public NumericVar {
  public:
   NumericScriptVar(const VarToken* name, std::vector<NumericExpPtr> subscripts)
-      : NumericVar(name), subscripts_(std::move(subscripts)), values_(subscripts_.size()) {}
+      : NumericVar(name), subscripts_(std::move(subscripts)) {}
   size_t Size() const override;
   void List(std::string& out) const override;
-  float Evaluate() override;
-  void Assign(float value) override;
   ErrorCode Link(Program& prog) override;
 
- private:
-  float* Element();  // null (with 1002 raised unless an error is set) when out of bounds
-
+ protected:
   std::vector<NumericExpPtr> subscripts_;
-  std::vector<float> values_;  // evaluated subscripts; sized once, so reads never allocate
   NumericScriptData* data_ = nullptr;
 };
 
@@ -148,18 +145,17 @@ class StringParmVar final : public StringWholeVar {
   unsigned slot_;
 };
 
-class StringScriptVar final : public StringWholeVar {
+// A string array element, made like the numeric ones.
+class StringScriptVar : public StringWholeVar {
  public:
   StringScriptVar(const VarToken* name, std::vector<NumericExpPtr> subscripts)
-      : StringWholeVar(name), subscripts_(std::move(subscripts)), values_(subscripts_.size()) {}
+      : StringWholeVar(name), subscripts_(std::move(subscripts)) {}
   size_t Size() const override;
   void List(std::string& out) const override;
-  StringValue* Locate() override;
   ErrorCode Link(Program& prog) override;
 
- private:
+ protected:
   std::vector<NumericExpPtr> subscripts_;
-  std::vector<float> values_;
   StringScriptData* data_ = nullptr;
 };
 

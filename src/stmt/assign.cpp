@@ -2,6 +2,7 @@
 // one value into a list of targets.
 #include <vector>
 
+#include "expr/operands.h"
 #include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
@@ -47,6 +48,8 @@ class TargetList final {
   void Assign(Value value) {
     for (const auto& var : vars_) var->Assign(value);
   }
+  // The target of a one-target list, given up; null when there are more.
+  std::unique_ptr<Var> TakeOnly() { return vars_.size() == 1 ? std::move(vars_.front()) : nullptr; }
 
  private:
   std::vector<std::unique_ptr<Var>> vars_;
@@ -82,6 +85,12 @@ class LetNumeric final : public LetList {
   }
   size_t Size() const override { return sizeof *this + targets_.Size() + exp_->Size(); }
   void Execute() override { targets_.Assign(exp_->Evaluate()); }
+  // Gives up the target and the expression when there is one target only.
+  bool TakeOnly(std::unique_ptr<NumericVar>* target, NumericExpPtr* exp) {
+    if (!(*target = targets_.TakeOnly())) return false;
+    *exp = std::move(exp_);
+    return true;
+  }
 
  private:
   TargetList<NumericVar> targets_;
@@ -119,29 +128,78 @@ class LetString final : public LetList {
   StringValue work_;
 };
 
-class LetStmt : public Statement {
+// Any assignment list; "LET " is listed when it was written.
+class LetStmt final : public Statement {
  public:
-  explicit LetStmt(LetListPtr list) : list_(std::move(list)) {}
+  LetStmt(bool spelled, LetListPtr list) : list_(std::move(list)), spelled_(spelled) {}
   Statement* Execute() override {
     list_->Execute();
     return successor_;
   }
   TokenCode Code() const override { return tok::kLet; }
   size_t Size() const override { return sizeof *this + list_->Size(); }
-  void List(std::string& out) const override { list_->List(out); }
+  void List(std::string& out) const override {
+    if (spelled_) out += "LET ";
+    list_->List(out);
+  }
 
  private:
   LetListPtr list_;
+  bool spelled_;
 };
 
-class LetLetStmt final : public LetStmt {
+// The common case, one numeric target, stored without the list's calls and
+// loop: Target is NumericSimpleVar (stored inline) or any NumericVar, Value an
+// operand form of the expression (operands.h).
+template <typename Target, typename Value>
+class LetNumericStmt final : public Statement {
  public:
-  using LetStmt::LetStmt;
-  void List(std::string& out) const override {
-    out += "LET ";
-    LetStmt::List(out);
+  LetNumericStmt(bool spelled, std::unique_ptr<Target> target, NumericExpPtr exp)
+      : target_(std::move(target)),
+        exp_(std::move(exp)),
+        value_(LookThrough(exp_.get())),
+        spelled_(spelled) {}
+  Statement* Execute() override {
+    target_->Assign(value_.Get());
+    return successor_;
   }
+  TokenCode Code() const override { return tok::kLet; }
+  size_t Size() const override { return sizeof *this + target_->Size() + exp_->Size(); }
+  void List(std::string& out) const override {
+    if (spelled_) out += "LET ";
+    target_->List(out);
+    out += '=';
+    exp_->List(out);
+  }
+
+ private:
+  std::unique_ptr<Target> target_;
+  NumericExpPtr exp_;
+  Value value_;
+  bool spelled_;
 };
+
+template <typename Target>
+StatementPtr MakeLetNumeric(bool spelled, std::unique_ptr<Target> target, NumericExpPtr exp) {
+  return WithOperand(exp.get(), [&](auto value) -> StatementPtr {
+    using Stmt = LetNumericStmt<Target, decltype(value)>;
+    return std::make_unique<Stmt>(spelled, std::move(target), std::move(exp));
+  });
+}
+
+// The statement for a parsed list: the one-target form when it fits.
+StatementPtr MakeLet(bool spelled, LetListPtr list) {
+  std::unique_ptr<NumericVar> target;
+  NumericExpPtr exp;
+  auto* numeric = dynamic_cast<LetNumeric*>(list.get());
+  if (!numeric || !numeric->TakeOnly(&target, &exp))
+    return std::make_unique<LetStmt>(spelled, std::move(list));
+  if (auto* simple = dynamic_cast<NumericSimpleVar*>(target.get())) {
+    target.release();
+    return MakeLetNumeric(spelled, std::unique_ptr<NumericSimpleVar>(simple), std::move(exp));
+  }
+  return MakeLetNumeric(spelled, std::move(target), std::move(exp));
+}
 
 // Targets joined by "," or "=", then "=" and the expression. An "=" may also
 // start the expression (A=B+1), so targets after an "=" are given back one
@@ -201,12 +259,12 @@ StatementPtr ParseLet(Program& p) {
   ParseAttempt attempt(p);
   LetListPtr list = ParseAssignment(p);
   if (!list) return attempt.Fail(err::kLetTargetMissing);
-  return std::make_unique<LetLetStmt>(std::move(list));
+  return MakeLet(true, std::move(list));
 }
 
 StatementPtr ParseImpliedLet(Program& p) {
   ParseAttempt attempt(p);
   LetListPtr list = ParseAssignment(p);
   if (!list) return attempt.Fail();
-  return std::make_unique<LetStmt>(std::move(list));
+  return MakeLet(false, std::move(list));
 }

@@ -40,8 +40,8 @@ void DimensionList::List(std::string& out) const {
 namespace {
 // Zero-based index of one subscript, or -1 outside 1..bound after rounding (NaN too).
 int64_t OneIndex(float s, uint32_t bound) {
-  int64_t index;
-  return conv::ToIntIn(conv::RoundHalfUp(s), 1, bound, &index) ? index - 1 : -1;
+  uint32_t index;
+  return conv::SubscriptIndex(s, bound, &index) ? int64_t{index} : -1;
 }
 }  // namespace
 

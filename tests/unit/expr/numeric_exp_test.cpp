@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -111,6 +112,49 @@ TEST_F(NumericExpTest, FloatSemantics) {
   EXPECT_TRUE(std::signbit(Eval("0 MAX -(0)")));
   EXPECT_EQ(Eval("0/0 MIN 5"), 5);
   EXPECT_EQ(Eval("0/0 MAX 5"), 5);
+}
+
+// MOD takes a whole-number path of its own; it must give fmod's bits, the
+// sign of the dividend and -0 included, and leave everything else to fmod.
+TEST(NumericModulo, SameBitsAsFmod) {
+  const float values[] = {0.0f,
+                          -0.0f,
+                          1,
+                          -1,
+                          2,
+                          -2,
+                          7,
+                          -7,
+                          3.5f,
+                          -3.5f,
+                          0.1f,
+                          1000,
+                          -1000,
+                          16777215,
+                          16777216,
+                          -16777216,
+                          123456792,
+                          2147483520.0f,
+                          -2147483648.0f,
+                          2147483648.0f,
+                          1E30f,
+                          -1E30f,
+                          INFINITY,
+                          -INFINITY,
+                          NAN};
+  for (float a : values) {
+    for (float b : values) {
+      float want = static_cast<float>(std::fmod(double{a}, double{b}));
+      float got = MakeNumericOperator(tok::kMod, MakeNumericLit(a), MakeNumericLit(b))->Evaluate();
+      uint32_t wantBits, gotBits;
+      std::memcpy(&wantBits, &want, sizeof want);
+      std::memcpy(&gotBits, &got, sizeof got);
+      if (std::isnan(want))
+        EXPECT_TRUE(std::isnan(got)) << a << " MOD " << b;
+      else
+        EXPECT_EQ(gotBits, wantBits) << a << " MOD " << b;
+    }
+  }
 }
 
 TEST_F(NumericExpTest, ListingReadsAsTyped) {
