@@ -23,6 +23,43 @@ constexpr const char* kRecordKey = "record";
 // Larger windows show the top left of their picture (X11 sizes are 16-bit).
 constexpr uint32_t kMaxWindowSide = 16384;
 
+// SDL2 is opened with the first window, not linked: its fifty-odd libraries
+// cost every run, graphics or not, milliseconds in the dynamic loader. Names
+// are the exported ones (SDL_BlitSurface is a macro for SDL_UpperBlit).
+// clang-format off
+#define SDL_CALLS(X)                                                                    \
+  X(CreateRGBSurfaceWithFormatFrom) X(CreateWindow) X(DestroyWindow)    \
+  X(FillRect) X(FreeSurface) X(GetCurrentVideoDriver) X(GetError) X(GetWindowData)    \
+  X(GetWindowFromID) X(GetWindowSurface) X(HideWindow) X(Init) X(MapRGB)              \
+  X(PollEvent) X(PushEvent) X(Quit) X(RegisterEvents) X(SetHint) X(SetWindowData)     \
+  X(SetWindowMaximumSize) X(ShowWindow) X(UpdateWindowSurface) X(UpperBlit)
+// clang-format on
+
+struct SdlCalls {
+#define SDL_POINTER(name) decltype(&::SDL_##name) name = nullptr;
+  SDL_CALLS(SDL_POINTER)
+#undef SDL_POINTER
+};
+SdlCalls sdl;  // filled once by LoadSdl, before the window thread starts
+
+// Opens the library and finds every call; it stays open for the process's life.
+bool LoadSdl(std::string* why) {
+  void* lib = dlopen("libSDL2-2.0.so.0", RTLD_NOW | RTLD_LOCAL);
+  if (!lib) {
+    *why = "SDL2 could not be loaded";
+    return false;
+  }
+#define SDL_FIND(name)                                                       \
+  sdl.name = reinterpret_cast<decltype(sdl.name)>(dlsym(lib, "SDL_" #name)); \
+  if (!sdl.name) {                                                           \
+    *why = "SDL2 lacks SDL_" #name;                                          \
+    return false;                                                            \
+  }
+  SDL_CALLS(SDL_FIND)
+#undef SDL_FIND
+  return true;
+}
+
 SDL_Window* WindowOf(const WindowRecord* r) { return static_cast<SDL_Window*>(r->window); }
 SDL_Surface* SurfaceOf(const WindowRecord* r) { return static_cast<SDL_Surface*>(r->surface); }
 
@@ -31,12 +68,12 @@ SDL_Surface* SurfaceOf(const WindowRecord* r) { return static_cast<SDL_Surface*>
 void Paint(WindowRecord* r) {
   while (r->drawing.load()) std::this_thread::yield();
   SDL_Window* window = WindowOf(r);
-  SDL_Surface* screen = window ? SDL_GetWindowSurface(window) : nullptr;
+  SDL_Surface* screen = window ? sdl.GetWindowSurface(window) : nullptr;
   if (screen) {
     if (screen->w > SurfaceOf(r)->w || screen->h > SurfaceOf(r)->h)
-      SDL_FillRect(screen, nullptr, SDL_MapRGB(screen->format, 255, 255, 255));
-    SDL_BlitSurface(SurfaceOf(r), nullptr, screen, nullptr);
-    SDL_UpdateWindowSurface(window);
+      sdl.FillRect(screen, nullptr, sdl.MapRGB(screen->format, 255, 255, 255));
+    sdl.UpperBlit(SurfaceOf(r), nullptr, screen, nullptr);
+    sdl.UpdateWindowSurface(window);
   }
   r->painting.fetch_sub(1);
 }
@@ -45,20 +82,20 @@ void Create(WindowRecord* r) {
   const Bitmap& b = *r->bitmap;
   int w = static_cast<int>(std::min(r->width, kMaxWindowSide));
   int h = static_cast<int>(std::min(r->height, kMaxWindowSide));
-  SDL_Window* window = SDL_CreateWindow(kTitle, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, w,
+  SDL_Window* window = sdl.CreateWindow(kTitle, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, w,
                                         h, SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE);
-  SDL_Surface* surface = window ? SDL_CreateRGBSurfaceWithFormatFrom(
+  SDL_Surface* surface = window ? sdl.CreateRGBSurfaceWithFormatFrom(
                                       const_cast<uint32_t*>(b.Pixels()),
                                       static_cast<int>(b.Width()), static_cast<int>(b.Height()), 32,
                                       static_cast<int>(b.Width() * 4), SDL_PIXELFORMAT_RGB888)
                                 : nullptr;
   if (window && !surface) {
-    SDL_DestroyWindow(window);
+    sdl.DestroyWindow(window);
     window = nullptr;
   }
   if (window) {
-    SDL_SetWindowMaximumSize(window, w, h);
-    SDL_SetWindowData(window, kRecordKey, r);
+    sdl.SetWindowMaximumSize(window, w, h);
+    sdl.SetWindowData(window, kRecordKey, r);
   }
   // A window the system refuses stays open without a screen: it still draws.
   r->window = window;
@@ -68,8 +105,8 @@ void Create(WindowRecord* r) {
 }
 
 void Destroy(WindowRecord* r) {
-  if (SDL_Window* window = WindowOf(r)) SDL_DestroyWindow(window);
-  if (SDL_Surface* surface = SurfaceOf(r)) SDL_FreeSurface(surface);
+  if (SDL_Window* window = WindowOf(r)) sdl.DestroyWindow(window);
+  if (SDL_Surface* surface = SurfaceOf(r)) sdl.FreeSurface(surface);
   r->window = nullptr;
   r->surface = nullptr;
 }
@@ -91,8 +128,8 @@ bool Named(const char* variable) {
 }
 
 WindowRecord* RecordOf(uint32_t windowId) {
-  SDL_Window* window = SDL_GetWindowFromID(windowId);
-  return window ? static_cast<WindowRecord*>(SDL_GetWindowData(window, kRecordKey)) : nullptr;
+  SDL_Window* window = sdl.GetWindowFromID(windowId);
+  return window ? static_cast<WindowRecord*>(sdl.GetWindowData(window, kRecordKey)) : nullptr;
 }
 
 void OnWindowEvent(const SDL_WindowEvent& e) {
@@ -130,10 +167,10 @@ bool Handle(const SDL_Event& e, uint32_t requestType) {
         r->updatePending.store(0);
         break;
       case WindowThread::kShow:
-        if (r->window) SDL_ShowWindow(WindowOf(r));
+        if (r->window) sdl.ShowWindow(WindowOf(r));
         break;
       case WindowThread::kHide:
-        if (r->window) SDL_HideWindow(WindowOf(r));
+        if (r->window) sdl.HideWindow(WindowOf(r));
         break;
       case WindowThread::kQuit:
         return false;
@@ -154,6 +191,12 @@ std::unique_ptr<WindowThread> WindowThread::Start(std::string* why) {
   // drivers that show nothing; a driver named in SDL_VIDEODRIVER is tried.
   if (!Named("SDL_VIDEODRIVER") && !Named("DISPLAY") && !Named("WAYLAND_DISPLAY")) {
     *why = "DISPLAY is not set";
+    return nullptr;
+  }
+  static std::string loadWhy;
+  static const bool loaded = LoadSdl(&loadWhy);
+  if (!loaded) {
+    *why = loadWhy;
     return nullptr;
   }
   std::unique_ptr<WindowThread> t(new WindowThread());
@@ -184,7 +227,7 @@ bool WindowThread::Post(Request request, WindowRecord* record) {
   e.type = eventType_;
   e.user.code = request;
   e.user.data1 = record;
-  if (SDL_PushEvent(&e) != 1) return false;
+  if (sdl.PushEvent(&e) != 1) return false;
   // A full pipe already holds a wake-up.
   [[maybe_unused]] ssize_t n = write(wake_[1], "", 1);
   return true;
@@ -203,32 +246,32 @@ void WindowThread::AwaitWake() {
 
 void WindowThread::Main() {
   // Ctrl+C stays the interpreter's break key, not a quit request of SDL's.
-  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-  SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+  sdl.SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  sdl.SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
   // Copies go straight to the window system; no OpenGL renderer and its threads.
-  SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-  if (SDL_Init(SDL_INIT_VIDEO) != 0) {
-    why_ = SDL_GetError();
+  sdl.SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+  if (sdl.Init(SDL_INIT_VIDEO) != 0) {
+    why_ = sdl.GetError();
     state_.store(kFailed);
     return;
   }
-  const char* driver = SDL_GetCurrentVideoDriver();
+  const char* driver = sdl.GetCurrentVideoDriver();
   if (!Named("SDL_VIDEODRIVER") && driver &&
       (std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0)) {
-    SDL_Quit();
+    sdl.Quit();
     why_ = "no display could be opened";
     state_.store(kFailed);
     return;
   }
   if (driver && std::strcmp(driver, "x11") == 0) IgnoreXErrors();
-  eventType_ = SDL_RegisterEvents(1);
+  eventType_ = sdl.RegisterEvents(1);
   state_.store(kUp);
   SDL_Event e;
   for (bool running = true; running;) {
-    while (running && SDL_PollEvent(&e)) running = Handle(e, eventType_);
+    while (running && sdl.PollEvent(&e)) running = Handle(e, eventType_);
     if (running) AwaitWake();
   }
-  SDL_Quit();
+  sdl.Quit();
 }
 
 #else  // built without SDL2: every window is headless
