@@ -33,8 +33,10 @@ for bas in "$here"/programs/*.bas; do
   [[ -n "$filter" && "$name" != *$filter* ]] && continue
   stdin=/dev/null
   [ -f "${bas%.bas}.stdin" ] && stdin="${bas%.bas}.stdin"
-  # Programs run in their own folder so that relative file names work.
-  (cd "$here/programs" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+  # Programs run in a fresh copy of their folder: relative file names work, and
+  # the data files they write stay out of the source tree.
+  rm -rf "$work/prog" && cp -r "$here/programs" "$work/prog"
+  (cd "$work/prog" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   check "programs/$name" "${bas%.bas}.out" "$work/out"
 done

@@ -12,6 +12,8 @@ bool IsSystemFunction(TokenCode code) {
     case tok::kFnBrk:
     case tok::kFnTim:
     case tok::kFnTyp:
+    case tok::kFnRec:
+    case tok::kFnItm:
     case tok::kFnSys:
       return true;
     default:
@@ -50,9 +52,6 @@ NumericExpPtr ParseNumericFunction(Program& p) {
       node = MakeStringArgFunction(key, std::move(text), std::move(pattern));
       break;
     }
-    case tok::kFnRec:
-    case tok::kFnItm:
-      return call.Replace(err::kBadNumericExp);
     default: {
       NumericExpPtr arg = ParseNumericExp(p);
       if (!arg) return call.Fail();

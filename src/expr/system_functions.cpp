@@ -1,4 +1,4 @@
-// Functions that read the system or the run state: TIM, VER, TYP, TID, BRK, SYS.
+// Functions that read the system or the run state: TIM, VER, TYP, REC, ITM, TID, BRK, SYS.
 #include <chrono>
 #include <ctime>
 
@@ -108,22 +108,43 @@ class VerFunc final : public NumericArgFunc {
 
 class TypFunc final : public NumericArgFunc {
  public:
-  TypFunc(const KeyToken* key, NumericExpPtr arg, const DataReader& data)
-      : NumericArgFunc(key, std::move(arg)), data_(data) {}
+  TypFunc(const KeyToken* key, NumericExpPtr arg, RunState& run)
+      : NumericArgFunc(key, std::move(arg)), run_(run) {}
   size_t Size() const override { return sizeof *this + arg_->Size(); }
+  // 0 asks about DATA; n about file n, -n the same looking past end-of-record marks.
   float Evaluate() override {
     static constexpr float kNumber = 1, kString = 2, kNone = 3;
-    if (Selector(arg_->Evaluate()) != 0) {
-      SetRunError(err::kNotSupported);  // the file forms
-      return kNone;
+    double n = conv::RoundHalfUp(arg_->Evaluate());
+    if (n != 0) {
+      FileUnit* unit = run_.files.OpenUnit(static_cast<float>(std::fabs(n)));
+      return unit ? unit->Type(n < 0) : kNone;
     }
-    const DataItem* item = data_.item;
+    const DataItem* item = run_.data.item;
     if (!item) return kNone;
     return item->type == tok::kStrVar ? kString : kNumber;
   }
 
  private:
-  const DataReader& data_;
+  RunState& run_;
+};
+
+// REC(n) and ITM(n): the record of file n's pointer and the number of the item
+// it stands on within that record.
+class FilePointerFunc final : public NumericArgFunc {
+ public:
+  FilePointerFunc(const KeyToken* key, NumericExpPtr arg, FileUnits& files)
+      : NumericArgFunc(key, std::move(arg)), files_(files) {}
+  size_t Size() const override { return sizeof *this + arg_->Size(); }
+  float Evaluate() override {
+    float n = arg_->Evaluate();
+    FileUnit* unit = g_err.run ? nullptr : files_.OpenUnit(n);
+    if (!unit) return 0;
+    return static_cast<float>(Kind() == static_cast<int>(tok::kFnRec) ? unit->Record()
+                                                                      : unit->Item());
+  }
+
+ private:
+  FileUnits& files_;
 };
 
 // The argument is kept for listing only: these never evaluate it.
@@ -149,7 +170,10 @@ NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, Program
     case tok::kFnVer:
       return std::make_unique<VerFunc>(key, std::move(arg));
     case tok::kFnTyp:
-      return std::make_unique<TypFunc>(key, std::move(arg), prog.run.data);
+      return std::make_unique<TypFunc>(key, std::move(arg), prog.run);
+    case tok::kFnRec:
+    case tok::kFnItm:
+      return std::make_unique<FilePointerFunc>(key, std::move(arg), prog.run.files);
     case tok::kFnTid:
       return std::make_unique<TidFunc>(key, std::move(arg));
     case tok::kFnBrk:

@@ -52,7 +52,8 @@ constexpr const char* kTimLines[] = {
     "Other values are \"Argument out of range\".",
 };
 constexpr HelpText kTim{kTimLines};
-constexpr HelpLine kTyp{"TYP(numericExp) - Next item of DATA (0): 1 number, 2 string, 3 none"};
+constexpr HelpLine kTyp{
+    "TYP(numericExp) - Next item, DATA (0) or file: 1 num, 2 str, 3 end, 4 EOR"};
 constexpr HelpLine kUps{"UPS$(stringExp) - Uppercase string."};
 constexpr HelpLine kVer{"VER(numericExp) - Version: 1 major, 2 minor, 3 build, 0 minor+build"};
 

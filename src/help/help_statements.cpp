@@ -8,11 +8,17 @@ namespace {
 #define KEPT_AS_TEXT(kw) kw " - Not available: the line is kept with \"Feature not supported\"."
 
 constexpr const char* kAssign[] = {
-    "ASSIGN <fileName>,<fileNumber>,<returnVar>[,<mode>]",
-    "Opens a data file as file <fileNumber> (1 to 16);",
-    "<returnVar> receives the status of the open.",
+    "ASSIGN <fileName>,<fileNumber>,<returnVar>[,<restriction>]",
+    "ASSIGN *,<fileNumber>,<returnVar> - Close the file number.",
+    "Opens a data file as file <fileNumber> (1 to 16), closing what it had.",
+    "<returnVar> gets 0 opened, 1 opened read-only, 2 no such file,",
+    "3 not a data file, 4 damaged, 5 cannot be opened.",
+    "<restriction> RR opens for reading only; WR and NR read and write.",
 };
-constexpr HelpLine kAdvance{"ADVANCE #<fileNumber>;<count>,<returnVar> - Skip items in a file."};
+constexpr const char* kAdvance[] = {
+    "ADVANCE #<fileNumber>;<count>,<returnVar> - Skip items in a file.",
+    "<returnVar> gets how many were left when the file ended, else 0.",
+};
 constexpr const char* kCase[] = {
     "CASE <numericCase> [,<numericCaseList>]",
     "CASE <stringCase> [,<stringCaseList> ]",
@@ -30,6 +36,7 @@ constexpr const char* kChain[] = {
 constexpr const char* kClose[] = {
     "CLOSE @<gdiNumber>",
     "Closes a graphics window.",
+    "CLOSE #<fileNumber> - Closes a data file.",
 };
 constexpr const char* kColor[] = {
     "COLOR @<gdiNumber>; <red>,<green>,<blue>",
@@ -44,8 +51,12 @@ constexpr const char* kConvert[] = {
     "CONVERT <numericExp> TO <stringVar>",
     "Text that is no number goes to <stmtIdentifier>, else is an error.",
 };
-constexpr HelpLine kCreate{
-    "CREATE <returnVar>,<fileName>,<records>[,<recordSize>] - Create a file."};
+constexpr const char* kCreate[] = {
+    "CREATE <returnVar>,<fileName>,<records>[,<recordSize>] - Create a file.",
+    "<recordSize> in words, 1 to 256 (256 when left out); a number takes 2",
+    "words, a string 1 + half its length. <returnVar> gets 0 created, 1 the",
+    "file exists (kept), 2 sizes out of range (1 GiB at most), 3 failed.",
+};
 constexpr const char* kData[] = {
     "DATA <dataSpec> [,<dataSpecList>]",
     "<dataSpec> ::= <numericConstant> | <stringLiteral>",
@@ -89,6 +100,7 @@ constexpr HelpLine kExtend{KEPT_AS_TEXT("EXTEND")};
 constexpr const char* kFiles[] = {
     "FILES <fileName>[,<fileNameList>]",
     "Names the data files 1 to 16 in order; * keeps a number for ASSIGN.",
+    "Names may be written without quotes. RUN opens them all.",
 };
 constexpr const char* kFor[] = {
     "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",
@@ -175,6 +187,7 @@ constexpr const char* kNext[] = {
 };
 constexpr const char* kOff[] = {
     "OFF END - Cancels ON END.",
+    "OFF END #<fileNumber> - Cancels ON END #.",
     "OFF ERROR - Stops the run with \"Feature not supported\".",
 };
 constexpr const char* kOn[] = {
@@ -198,15 +211,21 @@ constexpr const char* kPrint[] = {
     "PRINT USING <stmtIdentifier>[;<usingList>]",
     "PRINT USING <stringExp>[;<usingList>]",
     "Prints the values through an IMAGE format (see IMAGE).",
-    "PRINT #<fileNumber>[,<record>];<printList> - Write to a data file.",
+    "PRINT #<fileNumber>[,<record>];<valueList>[,END] - Write to a data file.",
+    "END writes an end-of-file mark; PRINT #n,r alone empties record r.",
 };
-constexpr HelpLine kPurge{"PURGE <returnVar>,<fileName> - Delete a data file."};
+constexpr const char* kPurge[] = {
+    "PURGE <returnVar>,<fileName> - Delete a data file.",
+    "<returnVar> gets 0 deleted, 1 no such file, 2 not a data file (kept),",
+    "3 cannot be deleted, 4 open in this program.",
+};
 constexpr const char* kRead[] = {
     "READ [<readList>]",
     "<readList> ::= <variable>[,<variableList>]",
     "Takes the next DATA constants. Past the last one: \"Out of data\",",
     "or the ON END target.",
     "READ #<fileNumber>[,<record>];<readList> - Read from a data file.",
+    "READ #<fileNumber>,<record> - Move to the start of a record.",
 };
 constexpr const char* kRem[] = {
     "REM <text> - Remark.",
@@ -244,7 +263,8 @@ constexpr const char* kUntil[] = {
 constexpr const char* kUpdate[] = {
     "UPDATE @<gdiNumber>",
     "Shows what was drawn in a graphics window.",
-    "UPDATE #<fileNumber>;<printList> - Rewrite items of a data file.",
+    "UPDATE #<fileNumber>;<valueList> - Rewrite items of a data file.",
+    "Each value replaces the next item, of its type; strings keep their length.",
 };
 constexpr const char* kWhile[] = {
     "WHILE <numericExp> - Begin WHILE/NEXT clause.",
@@ -257,6 +277,7 @@ constexpr const char* kWindow[] = {
 
 #undef KEPT_AS_TEXT
 
+constexpr HelpText kAdvanceText{kAdvance}, kCreateText{kCreate}, kPurgeText{kPurge};
 constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, kCloseText{kClose},
     kColorText{kColor}, kComText{kCom}, kConvertText{kConvert}, kDataText{kData}, kDefText{kDef},
     kDimText{kDim}, kEndText{kEnd}, kEnterText{kEnter}, kFilesText{kFiles}, kForText{kFor},
@@ -268,9 +289,9 @@ constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, k
     kWindowText{kWindow};
 
 constexpr HelpEntry kStatementEntries[] = {
-    {"ASSIGN", &kAssignText},   {"ADVANCE", &kAdvance},     {"CASE", &kCaseText},
+    {"ASSIGN", &kAssignText},   {"ADVANCE", &kAdvanceText}, {"CASE", &kCaseText},
     {"CHAIN", &kChainText},     {"CLOSE", &kCloseText},     {"COLOR", &kColorText},
-    {"COM", &kComText},         {"CONVERT", &kConvertText}, {"CREATE", &kCreate},
+    {"COM", &kComText},         {"CONVERT", &kConvertText}, {"CREATE", &kCreateText},
     {"DATA", &kDataText},       {"DEF", &kDefText},         {"DIM", &kDimText},
     {"ELSE", &kElse},           {"END", &kEndText},         {"ENDIF", &kEndIf},
     {"ENDSELECT", &kEndSelect}, {"ENDWHILE", &kEndWhile},   {"ENTER", &kEnterText},
@@ -280,7 +301,7 @@ constexpr HelpEntry kStatementEntries[] = {
     {"LET", &kLetText},         {"LINETO", &kLineToText},   {"LOCK", &kLock},
     {"LINPUT", &kLinputText},   {"MAT", &kMatText},         {"MOVETO", &kMoveToText},
     {"NEXT", &kNextText},       {"OFF", &kOffText},         {"ON", &kOnText},
-    {"OPEN", &kOpen},           {"PRINT", &kPrintText},     {"PURGE", &kPurge},
+    {"OPEN", &kOpen},           {"PRINT", &kPrintText},     {"PURGE", &kPurgeText},
     {"READ", &kReadText},       {"REM", &kRemText},         {"REPEAT", &kRepeat},
     {"RESTORE", &kRestoreText}, {"RETURN", &kReturn},       {"SHOW", &kShowText},
     {"SLEEP", &kSleepText},     {"SELECT", &kSelectText},   {"SPAWN", &kSpawn},

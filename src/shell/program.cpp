@@ -421,6 +421,7 @@ void Program::ClearStorage() {
   strSimple_.clear();
   strArrays_.clear();
   run.data = DataReader{};
+  run.files.CloseAll();
   run.frame = RunFrame{};
   run.matrix = MatrixWork{};
   // DEF statements register again and call sites size the stacks again at each link.

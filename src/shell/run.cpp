@@ -115,6 +115,7 @@ ErrorCode Run(Program& prog, bool keepsProgram, Console& con) {
     run.calls.Unwind();  // calls left mid-way
   }
   run.current = s;
+  run.files.CloseAll();
   con.RestoreDefaults();
   if (g_err.run == err::kStop || g_err.run == err::kEnd) {
     SetParseError(0);

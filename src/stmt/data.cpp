@@ -234,6 +234,7 @@ StatementPtr ParseData(Program& p) {
 }
 
 StatementPtr ParseRead(Program& p) {
+  if (p.Peek() == tok::kHash) return ParseReadFile(p);
   TargetList targets;
   if (!ParseTargetList(p, &targets)) return nullptr;
   return std::make_unique<ReadDataStmt>(p.run.data, std::move(targets));
@@ -252,9 +253,13 @@ StatementPtr ParseRestore(Program& p) {
 }
 
 StatementPtr ParseOnEnd(Program& p) {
+  if (p.Peek() == tok::kHash) return ParseOnEndFile(p);
   TargetRef target = ParseThenTarget(p);
   if (!target) return nullptr;
   return std::make_unique<OnEndDataStmt>(p.run.data, std::move(target));
 }
 
-StatementPtr ParseOffEnd(Program& p) { return std::make_unique<OffEndStmt>(p.run.data); }
+StatementPtr ParseOffEnd(Program& p) {
+  if (p.Peek() == tok::kHash) return ParseOffEndFile(p);
+  return std::make_unique<OffEndStmt>(p.run.data);
+}

@@ -111,14 +111,16 @@ StatementPtr ParseLineTo(Program& p) { return ParseGdi(p, kLineTo); }
 StatementPtr ParseShow(Program& p) { return ParseGdi(p, kShow); }
 StatementPtr ParseHide(Program& p) { return ParseGdi(p, kHide); }
 
-// CLOSE and UPDATE without "@" are the file statements, not built.
+// CLOSE #n and UPDATE #n are the file statements.
 StatementPtr ParseClose(Program& p) {
   if (p.Peek() == tok::kAt) return ParseGdi(p, kCloseGdi);
+  if (p.Peek() == tok::kHash) return ParseCloseFile(p);
   SetParseError(err::kNotSupported);
   return nullptr;
 }
 StatementPtr ParseUpdate(Program& p) {
   if (p.Peek() == tok::kAt) return ParseGdi(p, kUpdateGdi);
+  if (p.Peek() == tok::kHash) return ParseUpdateFile(p);
   SetParseError(err::kNotSupported);
   return nullptr;
 }

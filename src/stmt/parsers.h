@@ -76,6 +76,21 @@ StatementPtr ParseUpdate(Program& p);
 StatementPtr ParseShow(Program& p);
 StatementPtr ParseHide(Program& p);
 
+// files.cpp and file_io.cpp: data files.
+StatementPtr ParseFiles(Program& p);
+StatementPtr ParseAssign(Program& p);
+StatementPtr ParseCreate(Program& p);
+StatementPtr ParsePurge(Program& p);
+StatementPtr ParseCloseFile(Program& p);   // CLOSE #n ("CLOSE" consumed)
+StatementPtr ParseReadFile(Program& p);    // READ #... ("READ" consumed)
+StatementPtr ParsePrintFile(Program& p);   // PRINT #...
+StatementPtr ParseUpdateFile(Program& p);  // UPDATE #...
+StatementPtr ParseAdvance(Program& p);
+StatementPtr ParseLock(Program& p);
+StatementPtr ParseUnlock(Program& p);
+StatementPtr ParseOnEndFile(Program& p);   // ON END #... or IF END #... ("END" consumed)
+StatementPtr ParseOffEndFile(Program& p);  // OFF END #...
+
 // classic.cpp: the spellings of old listings.
 // Consumes the keyword, or GO and TO (kGoto) or GO and SUB (kGosub) in two words.
 bool AcceptGo(Program& p, TokenCode keyword);

@@ -54,6 +54,7 @@ class PrintConsoleListStmt final : public PrintStmt {
 
 StatementPtr ParsePrint(Program& p) {
   TokenCode next = p.Peek();
+  if (next == tok::kHash) return ParsePrintFile(p);
   if (next == tok::kEndOfLine || next == tok::kComment)
     return std::make_unique<PrintConsoleStmt>(p.run);
   if (p.Accept(tok::kUsing)) return ParsePrintUsing(p);

@@ -7,6 +7,7 @@
 
 #include "expr/call_frames.h"
 #include "lex/token.h"
+#include "stmt/file_units.h"
 #include "value/matrix.h"
 
 class Console;
@@ -46,6 +47,7 @@ struct RunState {
   DataReader data;               // the DATA position
   RunFrame frame;                // GOSUB returns
   Statement* current = nullptr;  // set when a run starts; kept after it ends
+  FileUnits files;               // closed by every link and at the end of every run
   Console* console = nullptr;    // PRINT and INPUT go here; bound by each run
   MatrixWork matrix;             // where MAT products, transposes and inverses are computed
 };

@@ -148,8 +148,11 @@ TEST_F(FunctionsTest, TypeOfNextData) {
   EXPECT_EQ(Eval("TYP(0)"), 1.0f);
   prog_.run.data.item = &text;
   EXPECT_EQ(Eval("TYP(0.2)"), 2.0f);
+  // A file that is not open, and a number that names no file.
   EXPECT_EQ(Eval("TYP(1)"), 3.0f);
-  EXPECT_EQ(g_err.run, 4u);
+  EXPECT_EQ(g_err.run, 2003u);
+  EXPECT_EQ(Eval("TYP(-17)"), 3.0f);
+  EXPECT_EQ(g_err.run, 2001u);
   prog_.run.data.item = nullptr;
 }
 
@@ -189,8 +192,8 @@ TEST_F(FunctionsTest, ParseErrors) {
   EXPECT_EQ(ErrorOf("ABS(1"), 29u);
   EXPECT_EQ(ErrorOf("PI(1)"), 29u);
   EXPECT_EQ(ErrorOf("POS(\"A\" \"B\")"), 40u);
-  EXPECT_EQ(ErrorOf("ITM(1)"), 35u);
-  EXPECT_EQ(ErrorOf("REC(1)"), 35u);
+  EXPECT_EQ(ErrorOf("ITM 1"), 28u);
+  EXPECT_EQ(ErrorOf("REC(1"), 29u);
   EXPECT_FALSE(Parse("LEN(1)"));
   // A successful call leaves no error behind.
   EXPECT_TRUE(Parse("ABS(1)"));

@@ -1,0 +1,135 @@
+// Data file statements run in whole programs: what the link opens and closes,
+// how the pointer moves through records, and files that change under a run.
+#include <dirent.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "program_fixture.h"
+
+namespace {
+
+using namespace stmt_test;
+
+// Runs in a scratch folder, so that the programs' relative names land there.
+class FileStatements : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char tmpl[] = "/tmp/filestmt_XXXXXX";
+    ASSERT_NE(mkdtemp(tmpl), nullptr);
+    dir_ = tmpl;
+    ASSERT_NE(getcwd(old_, sizeof old_), nullptr);
+    ASSERT_EQ(chdir(dir_.c_str()), 0);
+  }
+  void TearDown() override {
+    EXPECT_EQ(chdir(old_), 0);
+    std::system(("rm -rf " + dir_).c_str());
+  }
+  static int OpenDescriptors() {
+    int count = 0;
+    if (DIR* d = opendir("/proc/self/fd")) {
+      while (readdir(d)) ++count;
+      closedir(d);
+    }
+    return count;
+  }
+
+  std::string dir_;
+  char old_[4096];
+};
+
+// A file of 3 records of 5 words: two numbers fill 4 words, a third flows on.
+TEST_F(FileStatements, SerialWritingFlowsRecordByRecord) {
+  auto prog =
+      Build({"10 CREATE R,\"f\",3,5", "20 ASSIGN \"f\",1,R", "30 PRINT #1;1,2,3,\"ABCDEFGH\",4",
+             "40 READ #1,1", "50 FOR I=1 TO 4", "60 READ #1;X", "70 PRINT REC(1);ITM(1);X",
+             "80 NEXT I", "90 READ #1;A$", "100 PRINT REC(1);ITM(1);A$;TYP(1)"});
+  ConsoleCapture out;
+  // Record 3 holds "ABCDEFGH" (1 + 4 words, exactly full), so 4 is past the end.
+  EXPECT_EQ(LinkAndRun(*prog), err::kFileEnd);
+  EXPECT_EQ(loc::Number(g_err.location), 30u);
+  ClearError();
+  prog->Delete(prog->Find(30));
+  EXPECT_EQ(LinkAndRun(*prog), err::kDataWrongType);  // the fourth item is the string
+  EXPECT_EQ(out.Text(),
+            " 1     2     1    \n"
+            " 1     3     2    \n"
+            " 2     2     3    \n");
+  ClearError();
+}
+
+TEST_F(FileStatements, TheLinkOpensAndEveryRunEndCloses) {
+  ASSERT_EQ(DataFile::Create("d", 2, 8), CreateStatus::kCreated);
+  int before = OpenDescriptors();
+  auto prog = Build({"10 FILES d,*,d", "20 PRINT #3;5", "30 READ #1,1;X", "40 PRINT X"});
+  ConsoleCapture out;
+  ASSERT_EQ(Link(*prog), 0u);
+  EXPECT_EQ(OpenDescriptors(), before + 2);
+  EXPECT_EQ(::Run(*prog, true), 0u);
+  EXPECT_EQ(out.Text(), " 5    \n");
+  EXPECT_EQ(OpenDescriptors(), before);
+  // A run that fails closes them too.
+  prog = Build({"10 FILES d", "20 READ #1;A$"});
+  EXPECT_EQ(LinkAndRun(*prog), err::kDataWrongType);
+  EXPECT_EQ(OpenDescriptors(), before);
+  ClearError();
+}
+
+TEST_F(FileStatements, AFileRemovedAfterTheLinkStaysReadable) {
+  ASSERT_EQ(DataFile::Create("gone", 1, 8), CreateStatus::kCreated);
+  auto prog = Build({"10 FILES gone", "20 PRINT #1;42", "30 READ #1,1;X", "40 PRINT X"});
+  ConsoleCapture out;
+  ASSERT_EQ(Link(*prog), 0u);
+  ASSERT_EQ(unlink("gone"), 0);
+  EXPECT_EQ(::Run(*prog, true), 0u);
+  EXPECT_EQ(out.Text(), " 42   \n");
+  // Missing at the link: the run does not start.
+  EXPECT_EQ(Link(*prog), err::kFileNotFound);
+  EXPECT_EQ(loc::Number(g_err.location), 10u);
+  ClearError();
+}
+
+TEST_F(FileStatements, TheEndBranchBelongsToTheFileNumber) {
+  ASSERT_EQ(DataFile::Create("a", 1, 8), CreateStatus::kCreated);
+  ASSERT_EQ(DataFile::Create("b", 1, 8), CreateStatus::kCreated);
+  auto prog =
+      Build({"10 IF END #2 THEN 60", "20 ASSIGN \"a\",2,R", "30 READ #2;X", "40 PRINT \"NO\"",
+             "50 END", "60 ASSIGN \"b\",2,R", "70 OFF END #2", "80 READ #2;X"});
+  ConsoleCapture out;
+  EXPECT_EQ(LinkAndRun(*prog), err::kFileEnd);
+  EXPECT_EQ(loc::Number(g_err.location), 80u);
+  EXPECT_EQ(out.Text(), "");
+  ClearError();
+}
+
+// What was written before the failing value stays, with its end-of-record mark.
+TEST_F(FileStatements, FailedValuesWriteNothing) {
+  ASSERT_EQ(DataFile::Create("a", 2, 8), CreateStatus::kCreated);
+  auto prog = Build({"10 FILES a", "20 PRINT #1;1,Y,3"});
+  EXPECT_EQ(LinkAndRun(*prog), err::kUndefinedValue);
+  ClearError();
+  prog = Build({"10 FILES a", "20 READ #1;X", "30 PRINT X;TYP(1)"});
+  ConsoleCapture out;
+  EXPECT_EQ(LinkAndRun(*prog), 0u);
+  EXPECT_EQ(out.Text(), " 1     4    \n");
+}
+
+TEST_F(FileStatements, Listings) {
+  EXPECT_EQ(Listing("PRINT #N+1,R*2;A$,B;C,END"), "PRINT #N+1,R*2;A$,B;C,END");
+  EXPECT_EQ(Listing("PRINT #1;A;"), "PRINT #1;A");
+  EXPECT_EQ(Listing("READ #1,5"), "READ #1,5");
+  EXPECT_EQ(Listing("READ #1;A,B$(2)"), "READ #1;A,B$(2)");
+  EXPECT_EQ(Listing("IF END #1 THEN 100"), "ON END #1 THEN 100");
+  EXPECT_EQ(Listing("ASSIGN A$,2,R,WR"), "ASSIGN A$,2,R,WR");
+  EXPECT_EQ(Listing("CREATE R,\"X\"+\"Y\",10"), "CREATE R,\"X\"+\"Y\",10");
+  EXPECT_EQ(Listing("FILES  my data , other.dat,*"), "FILES my data,other.dat,*");
+  EXPECT_EQ(ParseErrorOf("FILES ,A"), err::kBadStringArg);
+  EXPECT_EQ(ParseErrorOf("UPDATE #1;END"), err::kBadExpression);
+  EXPECT_EQ(ParseErrorOf("PRINT #1;END,A"), err::kTrailingChars);
+  EXPECT_EQ(ParseErrorOf("READ #1;"), err::kBadTarget);
+  EXPECT_EQ(ParseErrorOf("ADVANCE #1;2"), err::kMissingDelimiter);
+  EXPECT_EQ(ParseErrorOf("CLOSE 1"), err::kNotSupported);
+}
+
+}  // namespace
