@@ -40,6 +40,7 @@ seed() {  # target folder
         n=0
         while IFS= read -r line; do n=$((n + 1)) && printf '%s' "$line" >"$2/image-$n"; done
       } ;;
+    data_file_fuzz) cp "$here"/seeds/data_file/* "$2"/ ;;
   esac
 }
 
