@@ -31,7 +31,11 @@ constexpr const char* kCase[] = {
 };
 constexpr const char* kChain[] = {
     "CHAIN [<returnVar>,]<fileName>[,<stmtIdentifier>]",
-    "Loads and runs another program, keeping the COM variables.",
+    "Loads, links and runs another program from its start or from",
+    "<stmtIdentifier>; its COM variables take the values of this program's",
+    "by position. Files are closed. On a failure <returnVar> gets the error",
+    "(1015 cannot open, 1016 bad lines, or the link's) and the program goes",
+    "on; without it the run stops.",
 };
 constexpr const char* kClose[] = {
     "CLOSE @<gdiNumber>",
@@ -45,6 +49,8 @@ constexpr const char* kColor[] = {
 constexpr const char* kCom[] = {
     "COM <dimSpec> [,<dimSpecList>]",
     "Declares variables that CHAIN hands on; must be the first statement.",
+    "Plain names too: COM A,B$,C(10),D$[20]. The next program's COM list",
+    "takes the values by position, each of the same kind and bounds.",
 };
 constexpr const char* kConvert[] = {
     "CONVERT <stringExp> TO <numericVar>[,<stmtIdentifier>]",

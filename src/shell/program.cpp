@@ -424,6 +424,7 @@ void Program::ClearStorage() {
   run.files.CloseAll();
   run.frame = RunFrame{};
   run.matrix = MatrixWork{};
+  common.clear();
   // DEF statements register again and call sites size the stacks again at each link.
   functions.clear();
   run.calls.Clear();
@@ -452,6 +453,11 @@ StringSimpleData* Program::StringSimple(const VarToken* name) {
   auto& slot = Slot(strSimple_, name);
   if (!slot) slot = std::make_unique<StringSimpleData>(StringSimpleData{name, StringValue()});
   return slot.get();
+}
+
+NumericSimpleData* Program::FindNumericSimple(const VarToken* name) const {
+  unsigned ordinal = name->Ordinal();
+  return ordinal < numSimple_.size() ? numSimple_[ordinal].get() : nullptr;
 }
 
 StringSimpleData* Program::FindStringSimple(const VarToken* name) const {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <variant>
 #include <vector>
 
 #include "base/base_list.h"
@@ -118,7 +119,8 @@ class Program final : public Tokenizer {
   // --- Variable references and storage.
   BaseList_T<Reference, false>& References() { return references_; }
   void ClearStorage();
-  NumericSimpleData* NumericSimple(const VarToken* name);  // found or created
+  NumericSimpleData* NumericSimple(const VarToken* name);            // found or created
+  NumericSimpleData* FindNumericSimple(const VarToken* name) const;  // null when not created
   std::unique_ptr<NumericScriptData>& NumericArray(const VarToken* name);
   StringSimpleData* StringSimple(const VarToken* name);
   StringSimpleData* FindStringSimple(const VarToken* name) const;  // null when not created
@@ -132,6 +134,11 @@ class Program final : public Tokenizer {
   // --- Run state.
   RunState run;
   bool HasRun() const { return run.current != nullptr; }
+  std::vector<CommonEntry> common;  // the COM variables in program order, made by the link
+  // A program that CHAIN loaded and linked, and where it starts; the run loop
+  // hands the run to it once the CHAIN statement has returned.
+  std::unique_ptr<Program> chained;
+  Statement* chainStart = nullptr;
 
  private:
   std::string name_;

@@ -80,50 +80,71 @@ void BindTargets(Program& prog) {
 
 ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram, TheConsole()); }
 
-ErrorCode Run(Program& prog, bool keepsProgram, Console& con) {
+ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   TestAndClearBreak();
-  RunState& run = prog.run;
-  run.frame = RunFrame{};
-  run.console = &con;
-  Statement* s = prog.First();
+  Program* prog = &first;
+  std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
+  RunState* run = &prog->run;
+  run->frame = RunFrame{};
+  run->console = &con;
+  Statement* s = prog->First();
   if (!s->IsExecutable()) s = s->NextExecutable();
-  run.current = s;
-  const char* fileName = !keepsProgram && !prog.Name().empty() ? prog.Name().c_str() : nullptr;
+  run->current = s;
+  const char* fileName = !keepsProgram && !prog->Name().empty() ? prog->Name().c_str() : nullptr;
 
   try {
     for (;;) {
       Statement* next = s->Execute();
       if (g_err.run == 0) [[likely]] {
         if (!BreakPending() || !TestAndClearBreak()) [[likely]] {
-          if (next) s = next;
+          if (next) {
+            s = next;
+          } else if (prog->chained) {
+            // CHAIN: the program left keeps no files; a chained one goes away.
+            std::unique_ptr<Program> incoming = std::move(prog->chained);
+            s = prog->chainStart;
+            run->files.CloseAll();
+            owned = std::move(incoming);
+            prog = owned.get();
+            run = &prog->run;
+            run->frame = RunFrame{};
+            run->console = &con;
+            run->current = s;
+            fileName = prog->Name().c_str();
+          }
           continue;
         }
         SetErrorFile(fileName);
         Raise(err::kBreak, s->Location());
         break;
       }
-      run.frame.failLocation = s->Location();
-      SetErrorFile(fileName);
-      if (g_err.run != err::kStop && !HasLocation()) g_err.location = run.frame.failLocation;
+      run->frame.failLocation = s->Location();
+      // A statement that names the file itself (a CHAIN whose program fails to link) keeps it.
+      if (g_err.file.empty()) SetErrorFile(fileName);
+      if (g_err.run != err::kStop && !HasLocation()) g_err.location = run->frame.failLocation;
       break;
     }
   } catch (const std::bad_alloc&) {
     // Memory ran out inside a statement: the run ends there, as with any error.
-    run.frame.failLocation = s->Location();
+    run->frame.failLocation = s->Location();
     SetErrorFile(fileName);
     Raise(err::kNoMemory, s->Location());
-    run.calls.Unwind();  // calls left mid-way
+    run->calls.Unwind();  // calls left mid-way
+    prog->chained.reset();
   }
-  run.current = s;
-  run.files.CloseAll();
+  run->current = s;
+  run->files.CloseAll();
   con.RestoreDefaults();
-  if (g_err.run == err::kStop || g_err.run == err::kEnd) {
+  ErrorCode code = g_err.run;
+  if (code == err::kStop || code == err::kEnd) {
     SetParseError(0);
     ClearError();
     SetErrorFile(nullptr);
-    return 0;
+    code = 0;
   }
-  return g_err.run;
+  // The error's file name is a copy; the chained program may go now.
+  owned.reset();
+  return code;
 }
 
 void ReportRunError(bool statementWording) {

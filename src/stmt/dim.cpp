@@ -1,4 +1,5 @@
-// DIM: arrays and declared string lengths, created by the link pass.
+// DIM and COM: arrays, declared string lengths and the variables that CHAIN
+// hands on, created by the link pass.
 #include <cmath>
 #include <cstdint>
 
@@ -16,6 +17,8 @@ class DimSpec {
   virtual ~DimSpec() = default;
   // Creates the variable in the program; 61 when it exists already.
   virtual ErrorCode Link(Program& prog) const = 0;
+  // The variable Link created, for the COM list.
+  virtual CommonEntry Entry(Program& prog) const = 0;
   virtual void List(std::string& out) const = 0;
   virtual size_t Size() const { return sizeof *this; }
   // Two items clash when they declare the same name in the same heap.
@@ -44,6 +47,7 @@ class DimNumericArraySpec final : public DimSpec {
     if (slot) return err::kDimensionedTwice;
     return MakeNumericArray(name_, DimensionList(bounds_), &slot);
   }
+  CommonEntry Entry(Program& prog) const override { return prog.NumericArray(name_).get(); }
   void List(std::string& out) const override {
     out += name_->Name();
     out += '(';
@@ -66,6 +70,7 @@ class DimStringArraySpec final : public DimSpec {
     if (slot) return err::kDimensionedTwice;
     return MakeStringArray(name_, DimensionList(bounds_), &slot);
   }
+  CommonEntry Entry(Program& prog) const override { return prog.StringArray(name_).get(); }
   void List(std::string& out) const override {
     out += name_->Name();
     out += '(';
@@ -80,7 +85,8 @@ class DimStringArraySpec final : public DimSpec {
   uint32_t length_;
 };
 
-// A string scalar with its declared length, which does not limit its values.
+// A string scalar with its declared length, which does not limit its values;
+// COM also takes one without a length (0).
 class DimStringSimpleSpec final : public DimSpec {
  public:
   DimStringSimpleSpec(const VarToken* name, uint32_t length) : DimSpec(name), length_(length) {}
@@ -89,13 +95,27 @@ class DimStringSimpleSpec final : public DimSpec {
     prog.StringSimple(name_);
     return 0;
   }
+  CommonEntry Entry(Program& prog) const override { return prog.StringSimple(name_); }
   void List(std::string& out) const override {
     out += name_->Name();
-    ListLength(out, length_);
+    if (length_) ListLength(out, length_);
   }
 
  private:
   uint32_t length_;
+};
+
+// A numeric scalar of a COM list.
+class ComNumericSimpleSpec final : public DimSpec {
+ public:
+  explicit ComNumericSimpleSpec(const VarToken* name) : DimSpec(name) {}
+  ErrorCode Link(Program& prog) const override {
+    if (prog.FindNumericSimple(name_)) return err::kDimensionedTwice;
+    prog.NumericSimple(name_);
+    return 0;
+  }
+  CommonEntry Entry(Program& prog) const override { return prog.NumericSimple(name_); }
+  void List(std::string& out) const override { out += name_->Name(); }
 };
 
 class DimStmt final : public Statement {
@@ -119,6 +139,40 @@ class DimStmt final : public Statement {
   ErrorCode Check(Program& prog) override {
     for (const auto& s : specs_)
       if (ErrorCode code = s->Link(prog)) return Raise(code, Location());
+    return 0;
+  }
+
+ private:
+  std::vector<DimSpecPtr> specs_;
+};
+
+// COM: declared like DIM, plus plain scalars; the link creates the variables
+// and lists them in order, for CHAIN to hand on. Only remarks may precede it.
+class ComStmt final : public Statement {
+ public:
+  explicit ComStmt(std::vector<DimSpecPtr> specs) : specs_(std::move(specs)) {}
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kCom; }
+  size_t Size() const override {
+    size_t size = sizeof *this;
+    for (const auto& s : specs_) size += s->Size();
+    return size;
+  }
+  void List(std::string& out) const override {
+    out += "COM ";
+    for (size_t i = 0; i < specs_.size(); ++i) {
+      if (i) out += ',';
+      specs_[i]->List(out);
+    }
+  }
+  bool IsExecutable() const override { return false; }
+  ErrorCode Check(Program& prog) override {
+    for (const Statement* s = Prev(); s; s = s->Prev())
+      if (s->IsCode() && s->Code() != tok::kCom) return Raise(err::kComNotFirst, Location());
+    for (const auto& s : specs_) {
+      if (ErrorCode code = s->Link(prog)) return Raise(code, Location());
+      prog.common.push_back(s->Entry(prog));
+    }
     return 0;
   }
 
@@ -217,21 +271,39 @@ DimSpecPtr ParseDimSpec(Program& p) {
   return attempt.Fail();
 }
 
-}  // namespace
+// A COM item: a plain numeric or string scalar, or anything DIM declares.
+DimSpecPtr ParseComSpec(Program& p) {
+  ParseAttempt attempt(p);
+  TokenCode code = p.GetToken();
+  if (tok::Category(code) == tok::kNumVar && code >= 0x100 && p.Symbol())
+    return std::make_unique<ComNumericSimpleSpec>(static_cast<const VarToken*>(p.Symbol()));
+  if (tok::Category(code) == tok::kStrVar && code >= 0x100 && p.Symbol() &&
+      p.Peek() != tok::kLBracket)
+    return std::make_unique<DimStringSimpleSpec>(static_cast<const VarToken*>(p.Symbol()), 0);
+  attempt.Rewind();
+  return ParseDimSpec(p);
+}
 
-StatementPtr ParseDim(Program& p) {
+// Items separated by ","; no name twice in one list.
+StatementPtr ParseSpecList(Program& p, DimSpecPtr (*parseSpec)(Program&), bool com) {
   ParseAttempt attempt(p);
   std::vector<DimSpecPtr> specs;
-  DimSpecPtr first = ParseDimSpec(p);
+  DimSpecPtr first = parseSpec(p);
   if (!first) return attempt.Fail(err::kBadAllocation);
   specs.push_back(std::move(first));
   while (p.Accept(tok::kComma)) {
-    DimSpecPtr next = ParseDimSpec(p);
+    DimSpecPtr next = parseSpec(p);
     if (!next) return attempt.Replace(err::kBadAllocation);
     specs.push_back(std::move(next));
   }
   for (size_t i = 0; i < specs.size(); ++i)
     for (size_t j = i + 1; j < specs.size(); ++j)
       if (specs[i]->Clashes(*specs[j])) return attempt.Replace(err::kDimensionedTwice);
+  if (com) return std::make_unique<ComStmt>(std::move(specs));
   return std::make_unique<DimStmt>(std::move(specs));
 }
+
+}  // namespace
+
+StatementPtr ParseDim(Program& p) { return ParseSpecList(p, ParseDimSpec, false); }
+StatementPtr ParseCom(Program& p) { return ParseSpecList(p, ParseComSpec, true); }

@@ -59,6 +59,8 @@ StatementPtr ParseEnd(Program& p);
 StatementPtr ParseSleep(Program& p);
 StatementPtr ParseRem(Program& p);      // simple_stmts.cpp
 StatementPtr ParseDim(Program& p);      // dim.cpp
+StatementPtr ParseCom(Program& p);      // dim.cpp
+StatementPtr ParseChain(Program& p);    // chain.cpp
 StatementPtr ParseDef(Program& p);      // def.cpp
 StatementPtr ParseInput(Program& p);    // input.cpp
 StatementPtr ParseMat(Program& p);      // mat_assign.cpp; its READ, INPUT and PRINT in mat_io.cpp

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 // memcpy and memmove with a null source are undefined even for no bytes, and an
 // empty string_view may carry a null pointer.
@@ -23,6 +24,13 @@ class StringValue {
   StringValue& operator=(const StringValue& other) {
     if (this != &other) Assign(other.View());
     return *this;
+  }
+
+  // Exchanges two values without copying their characters.
+  void Swap(StringValue& other) noexcept {
+    data_.swap(other.data_);
+    std::swap(length_, other.length_);
+    std::swap(capacity_, other.capacity_);
   }
 
   uint32_t Length() const { return length_; }

@@ -39,7 +39,7 @@ TEST(StatementTable, EveryRowIsAKeywordOnce) {
 
 // An unsupported keyword keeps its line as a bad line with its own error.
 TEST(StatementTable, UnsupportedKeywordsKeepTheirLine) {
-  for (const char* text : {"OPEN #1", "CLOSE 1", "CHAIN \"X\""})
+  for (const char* text : {"OPEN #1", "CLOSE 1", "SPAWN \"X\""})
     EXPECT_EQ(test_program::ParseErrorOf(text), err::kNotSupported) << text;
   EXPECT_FALSE(RefusedAfterThen(tok::kPrint));
   EXPECT_TRUE(RefusedAfterThen(tok::kCom));

@@ -1,0 +1,3 @@
+10 COM K
+20 PRINT "BAD" "
+30 LET = 5

@@ -1,0 +1,2 @@
+10 PRINT "NOT RUN"
+20 COM K

@@ -1,0 +1,2 @@
+10 COM K,P$,V(4)
+20 PRINT "NOT RUN"
