@@ -21,6 +21,12 @@ inline bool ToIntIn(double x, int64_t lo, int64_t hi, int64_t* out) {
   return true;
 }
 
+// floor(x + 0.5) when it lies in [lo, hi]; false for NaN, the infinities and
+// every other x. Record numbers, file units, counts and sizes.
+inline bool RoundIn(double x, int64_t lo, int64_t hi, int64_t* out) {
+  return ToIntIn(RoundHalfUp(x), lo, hi, out);
+}
+
 // The same for the whole unsigned 64-bit range: 0 <= x < 2^64.
 inline bool ToUint64In(double x, uint64_t* out) {
   if (!(x >= 0.0 && x < 18446744073709551616.0)) return false;

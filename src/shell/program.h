@@ -66,6 +66,10 @@ TargetRef ParseTarget(Program& prog);
 // error set (position restored) when THEN or the identifier is missing.
 TargetRef ParseThenTarget(Program& prog);
 
+// A COM variable. CHAIN hands the values of one program's list to the next by position.
+using CommonEntry =
+    std::variant<NumericSimpleData*, StringSimpleData*, NumericScriptData*, StringScriptData*>;
+
 class Program final : public Tokenizer {
  public:
   static constexpr uint32_t kMaxNumber = 999999;  // the highest statement number

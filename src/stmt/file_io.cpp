@@ -1,6 +1,6 @@
 // Reading and writing data files through their numbers: READ #, PRINT #,
 // UPDATE #, ADVANCE, LOCK and UNLOCK, and the ON END # / OFF END # branch.
-#include "base/checked_int.h"
+#include "base/convert.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
@@ -221,7 +221,7 @@ class AdvanceStmt final : public FileStmt {
     float count = count_->Evaluate();
     if (g_err.run) return Fail(g_err.run);
     int64_t n;
-    if (!RoundInRange(count, 0, INT64_MAX, &n)) return Fail(err::kArgOutOfRange);
+    if (!conv::RoundIn(count, 0, INT64_MAX, &n)) return Fail(err::kArgOutOfRange);
     uint64_t left = 0;
     if (unit->Skip(static_cast<uint64_t>(n), &left) != FileUnit::kOk) return Fail(g_err.run);
     left_->Assign(static_cast<float>(left));
@@ -369,20 +369,20 @@ StatementPtr ParseFileValuesStmt(Program& p, bool isPrint) {
     if (!ExpectSemicolon(p) || !ParseFileValues(p, isPrint, &values)) return nullptr;
   }
   if (isPrint)
-    return std::make_unique<PrintFileStmt>(p.files, std::move(number), std::move(record),
+    return std::make_unique<PrintFileStmt>(p.run.files, std::move(number), std::move(record),
                                            std::move(values));
   for (const FileValue& v : values)
     if (!v.number && !v.text) {
       SetParseError(err::kBadExpression);
       return nullptr;
     }
-  return std::make_unique<UpdateFileStmt>(p.files, std::move(number), std::move(values));
+  return std::make_unique<UpdateFileStmt>(p.run.files, std::move(number), std::move(values));
 }
 
 StatementPtr ParseLockWord(Program& p, TokenCode keyword) {
   NumericExpPtr number = ParseFileNumber(p);
   if (!number) return nullptr;
-  return std::make_unique<LockStmt>(p.files, std::move(number), keyword);
+  return std::make_unique<LockStmt>(p.run.files, std::move(number), keyword);
 }
 
 }  // namespace
@@ -398,7 +398,7 @@ StatementPtr ParseReadFile(Program& p) {
       return nullptr;
     }
   }
-  return std::make_unique<ReadFileStmt>(p.files, std::move(number), std::move(record),
+  return std::make_unique<ReadFileStmt>(p.run.files, std::move(number), std::move(record),
                                         std::move(targets));
 }
 
@@ -422,7 +422,7 @@ StatementPtr ParseAdvance(Program& p) {
     if (!g_err.parse) SetParseError(err::kBadNumericVar);
     return nullptr;
   }
-  return std::make_unique<AdvanceStmt>(p.files, std::move(number), std::move(count),
+  return std::make_unique<AdvanceStmt>(p.run.files, std::move(number), std::move(count),
                                        std::move(left));
 }
 
@@ -434,11 +434,11 @@ StatementPtr ParseOnEndFile(Program& p) {
   if (!number) return nullptr;
   TargetRef target = ParseThenTarget(p);
   if (!target) return nullptr;
-  return std::make_unique<OnEndFileStmt>(p.files, std::move(number), std::move(target));
+  return std::make_unique<OnEndFileStmt>(p.run.files, std::move(number), std::move(target));
 }
 
 StatementPtr ParseOffEndFile(Program& p) {
   NumericExpPtr number = ParseFileNumber(p);
   if (!number) return nullptr;
-  return std::make_unique<OnEndFileStmt>(p.files, std::move(number), TargetRef());
+  return std::make_unique<OnEndFileStmt>(p.run.files, std::move(number), TargetRef());
 }

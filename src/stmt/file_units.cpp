@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "base/checked_int.h"
+#include "base/convert.h"
 #include "base/errors.h"
 #include "stmt/targets.h"
 
@@ -38,7 +38,7 @@ FileUnit::Result FileUnit::Load() { return file_.Load(record_) ? kOk : Failed(er
 FileUnit::Result FileUnit::Seek(float record) {
   if (!file_.Store()) return Failed(err::kFileError);
   int64_t r;
-  if (std::isnan(record) || !RoundInRange(record, 1, INT64_MAX, &r)) {
+  if (std::isnan(record) || !conv::RoundIn(record, 1, INT64_MAX, &r)) {
     if (record > 0) return kEnd;  // beyond any file: an infinity
     return Failed(err::kArgOutOfRange);
   }
@@ -205,7 +205,7 @@ float FileUnit::Type(bool acrossRecords) {
 
 FileUnit* FileUnits::Unit(float number) {
   int64_t n;
-  if (!RoundInRange(number, 1, kUnits, &n)) {
+  if (!conv::RoundIn(number, 1, kUnits, &n)) {
     SetRunError(err::kBadFileNumber);
     return nullptr;
   }

@@ -5,9 +5,9 @@
 
 #include <cerrno>
 
+#include "expr/variables.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
-#include "value/variables.h"
 
 namespace {
 
@@ -318,7 +318,7 @@ StatementPtr ParseFiles(Program& p) {
   do {
     if (!ParseFilesName(p, &names)) return nullptr;
   } while (p.Accept(tok::kComma));
-  return std::make_unique<FilesStmt>(p.files, std::move(names));
+  return std::make_unique<FilesStmt>(p.run.files, std::move(names));
 }
 
 StatementPtr ParseAssign(Program& p) {
@@ -338,7 +338,7 @@ StatementPtr ParseAssign(Program& p) {
       return nullptr;
     }
   }
-  return std::make_unique<AssignStmt>(p.files, std::move(name), std::move(number),
+  return std::make_unique<AssignStmt>(p.run.files, std::move(name), std::move(number),
                                       std::move(status), restriction);
 }
 
@@ -360,7 +360,7 @@ StatementPtr ParsePurge(Program& p) {
   if (!status || !ExpectComma(p)) return nullptr;
   StringExpPtr name = ExpectString(p);
   if (!name) return nullptr;
-  return std::make_unique<PurgeStmt>(p.files, std::move(status), std::move(name));
+  return std::make_unique<PurgeStmt>(p.run.files, std::move(status), std::move(name));
 }
 
 StatementPtr ParseCloseFile(Program& p) {
@@ -373,5 +373,5 @@ StatementPtr ParseCloseFile(Program& p) {
     if (!g_err.parse) SetParseError(err::kMissingFileNumber);
     return nullptr;
   }
-  return std::make_unique<CloseFileStmt>(p.files, std::move(number));
+  return std::make_unique<CloseFileStmt>(p.run.files, std::move(number));
 }

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "base/checked_int.h"
+#include "base/convert.h"
 
 namespace {
 
@@ -87,7 +87,7 @@ OpenStatus ReadDataHeader(int fd, uint32_t* words, uint32_t* records) {
 
 CreateStatus DataFile::Create(const std::string& path, double records, double words) {
   int64_t count, size;
-  if (!RoundInRange(records, 1, 0xFFFFFFFF, &count) || !RoundInRange(words, 1, kMaxWords, &size))
+  if (!conv::RoundIn(records, 1, 0xFFFFFFFF, &count) || !conv::RoundIn(words, 1, kMaxWords, &size))
     return CreateStatus::kBadSize;
   uint64_t bytes =
       kHeaderBytes + static_cast<uint64_t>(count) * RecordBytes(static_cast<uint32_t>(size));
