@@ -425,6 +425,7 @@ void Program::ClearStorage() {
   run.frame = RunFrame{};
   run.matrix = MatrixWork{};
   common.clear();
+  chained.reset();
   // DEF statements register again and call sites size the stacks again at each link.
   functions.clear();
   run.calls.Clear();

@@ -23,9 +23,7 @@ std::string LowerName(std::string_view name) {
   return lower;
 }
 
-}  // namespace
-
-ErrorCode Link(Program& prog) {
+ErrorCode LinkPasses(Program& prog) {
   gdi::CloseAll();
   prog.ClearStorage();
   ClearError();
@@ -62,6 +60,14 @@ ErrorCode Link(Program& prog) {
   ReseedRandom();
   prog.SetLinksCurrent();
   return 0;
+}
+
+}  // namespace
+
+ErrorCode Link(Program& prog) {
+  ErrorCode code = LinkPasses(prog);
+  if (code) prog.run.files.CloseAll();  // FILES may have opened some before the failure
+  return code;
 }
 
 void BindTargets(Program& prog) {
@@ -134,6 +140,7 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   }
   run->current = s;
   run->files.CloseAll();
+  prog->chained.reset();  // a CHAIN that a break overtook
   con.RestoreDefaults();
   ErrorCode code = g_err.run;
   if (code == err::kStop || code == err::kEnd) {

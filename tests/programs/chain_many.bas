@@ -1,5 +1,5 @@
 10 COM N,S$,A(100)
-20 REM 100 chains to a missing file, then 10,000 chains that count in COM
+20 REM 100 chains to a missing file, then 2,000 chains that count in COM
 30 C=0
 40 FOR I=1 TO 100
 50 CHAIN R,"chain/nothere.bas"

@@ -1,7 +1,7 @@
 10 COM N,S$,A(100)
-20 REM Chains to itself until N is 10,000; S$ and A keep growing on the way
+20 REM Chains to itself until N is 2,000; S$ and A keep growing on the way
 30 N=N+1
 40 IF N<=100 THEN S$=S$+"X"
 50 A(N-INT((N-1)/100)*100)=N
-60 IF N<10000 THEN CHAIN "chain/many.bas"
+60 IF N<2000 THEN CHAIN "chain/many.bas"
 70 PRINT N;LEN(S$);A(1);A(100)

@@ -97,12 +97,13 @@ TEST_F(ChainRuns, TheShellsProgramStays) {
   ClearError();
 }
 
-// Chains leave no descriptor and no memory behind: the heap in use after 5,000
-// chains is what it was after 1,000.
+// Chains leave no descriptor and no memory behind: the heap in use after 10,000
+// chains is what it was after 500. S$ stops growing early, since the allocator
+// keeps a few freed blocks of every size it has seen, and counts them as in use.
 TEST_F(ChainRuns, ManyChainsLeaveNothingBehind) {
   ASSERT_EQ(DataFile::Create("d", 1, 8), CreateStatus::kCreated);
   Write("loop.bas",
-        "10 COM N,L,S$,A(50)\n20 FILES d\n30 N=N+1\n40 S$=S$+\"S\"\n"
+        "10 COM N,L,S$,A(50)\n20 FILES d\n30 N=N+1\n40 IF N<=100 THEN S$=S$+\"S\"\n"
         "50 A(N-INT((N-1)/50)*50)=N\n60 PRINT #1;N\n70 IF N<L THEN CHAIN \"loop.bas\"\n");
   int descriptors = OpenDescriptors();
   auto run = [](int chains) {
@@ -112,9 +113,9 @@ TEST_F(ChainRuns, ManyChainsLeaveNothingBehind) {
     prog.reset();
     return mallinfo2().uordblks;
   };
-  run(2000);  // buffers that keep their largest size grow once
-  size_t some = run(1000);
-  size_t many = run(5000);
+  run(500);  // buffers that keep their largest size grow once
+  [[maybe_unused]] size_t some = run(500);
+  [[maybe_unused]] size_t many = run(10000);
   EXPECT_EQ(OpenDescriptors(), descriptors);
 #if !defined(__SANITIZE_ADDRESS__)
   EXPECT_LE(many, some + 1024) << some;
