@@ -7,9 +7,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "stmt/statement.h"
 #include "expr/variables.h"
+#include "stmt/statement.h"
 
 // New bounds after an array or after ZER, CON and IDN: "(m)" or "(m,n)" with
 // expressions, evaluated each time the statement runs.
@@ -71,10 +72,13 @@ class MatArray {
   NewBoundsPtr bounds_;
 };
 using MatArrayPtr = std::unique_ptr<MatArray>;
+using MatArrayList = std::vector<MatArrayPtr>;
 
 // An array name, numeric or string, and new bounds when allowed; null with
 // the parse error set (22 when no array name is there).
 MatArrayPtr ParseMatArray(Program& prog, bool withBounds);
+// Arrays separated by ",", each with optional new bounds; false with the parse error set.
+bool ParseMatArrayList(Program& prog, MatArrayList* out);
 
 // Where MAT READ takes its values.
 class ValueSource {
@@ -85,6 +89,10 @@ class ValueSource {
  protected:
   ~ValueSource() = default;
 };
+
+// Fills each array in turn from source, after giving it its new bounds; the
+// first error stops the read with the elements read so far kept.
+ErrorCode ReadArrays(const MatArrayList& arrays, ValueSource& source);
 
 // After MAT: READ, INPUT and PRINT (keyword consumed) in mat_io.cpp.
 StatementPtr ParseMatRead(Program& prog);

@@ -135,8 +135,6 @@ class StringMatArray final : public MatArray {
   std::unique_ptr<StringMatrixVar> var_;
 };
 
-using MatArrayList = std::vector<MatArrayPtr>;
-
 size_t ArraysSize(const MatArrayList& arrays) {
   size_t size = 0;
   for (const auto& a : arrays) size += a->Size();
@@ -148,16 +146,6 @@ void ListArrays(std::string& out, const MatArrayList& arrays) {
     if (i) out += ',';
     arrays[i]->List(out);
   }
-}
-
-// Arrays separated by ",", each with optional new bounds; false with the parse error set.
-bool ParseArrayList(Program& p, MatArrayList* out) {
-  do {
-    MatArrayPtr array = ParseMatArray(p, true);
-    if (!array) return false;
-    out->push_back(std::move(array));
-  } while (p.Accept(tok::kComma));
-  return true;
 }
 
 // --- MAT READ.
@@ -184,18 +172,6 @@ class DataSource final : public ValueSource {
  private:
   DataReader& reader_;
 };
-
-// Fills each array in turn, after giving it its new bounds; the first error
-// stops the read with the elements read so far kept.
-ErrorCode ReadArrays(const MatArrayList& arrays, ValueSource& source) {
-  for (const auto& array : arrays) {
-    if (ErrorCode code = array->Redimension()) return code;
-    uint32_t count = array->Shape().count;
-    for (uint32_t i = 0; i < count; ++i)
-      if (ErrorCode code = source.ReadInto(*array, i)) return code;
-  }
-  return 0;
-}
 
 class MatReadStmt final : public Statement {
  public:
@@ -350,15 +326,34 @@ MatArrayPtr ParseMatArray(Program& p, bool withBounds) {
   return nullptr;
 }
 
+bool ParseMatArrayList(Program& p, MatArrayList* out) {
+  do {
+    MatArrayPtr array = ParseMatArray(p, true);
+    if (!array) return false;
+    out->push_back(std::move(array));
+  } while (p.Accept(tok::kComma));
+  return true;
+}
+
+ErrorCode ReadArrays(const MatArrayList& arrays, ValueSource& source) {
+  for (const auto& array : arrays) {
+    if (ErrorCode code = array->Redimension()) return code;
+    uint32_t count = array->Shape().count;
+    for (uint32_t i = 0; i < count; ++i)
+      if (ErrorCode code = source.ReadInto(*array, i)) return code;
+  }
+  return 0;
+}
+
 StatementPtr ParseMatRead(Program& p) {
   MatArrayList arrays;
-  if (!ParseArrayList(p, &arrays)) return nullptr;
+  if (!ParseMatArrayList(p, &arrays)) return nullptr;
   return std::make_unique<MatReadStmt>(p.run.data, std::move(arrays));
 }
 
 StatementPtr ParseMatInput(Program& p) {
   MatArrayList arrays;
-  if (!ParseArrayList(p, &arrays)) return nullptr;
+  if (!ParseMatArrayList(p, &arrays)) return nullptr;
   return std::make_unique<MatInputStmt>(p.run, std::move(arrays));
 }
 
