@@ -3,6 +3,7 @@
 #include <variant>
 
 #include "lex/keywords.h"
+#include "lex/parse_attempt.h"
 #include "shell/loader.h"
 #include "shell/program.h"
 #include "shell/run.h"
@@ -130,13 +131,13 @@ class ChainStmt final : public Statement {
 }  // namespace
 
 StatementPtr ParseChain(Program& p) {
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   std::unique_ptr<NumericVar> status = ParseNumericVar(p);
   if (status && !p.Accept(tok::kComma)) {
     SetParseError(err::kMissingDelimiter);
     return nullptr;
   }
-  if (!status) p.Restore(mark);
+  if (!status) attempt.Rewind();
   StringExpPtr name = ParseStringExp(p);
   if (!name) {
     if (!g_err.parse) SetParseError(err::kBadStringExp);

@@ -1,6 +1,7 @@
 // Reading and writing data files through their numbers: READ #, PRINT #,
 // UPDATE #, ADVANCE, LOCK and UNLOCK, and the ON END # / OFF END # branch.
 #include "base/convert.h"
+#include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
@@ -298,12 +299,9 @@ NumericExpPtr ParseFileNumber(Program& p) {
     SetParseError(err::kMissingFileNumber);
     return nullptr;
   }
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   NumericExpPtr number = ParseNumericExp(p);
-  if (!number) {
-    p.Restore(mark);
-    SetParseError(err::kMissingFileNumber);
-  }
+  if (!number) return attempt.Replace(err::kMissingFileNumber);
   return number;
 }
 
@@ -311,10 +309,9 @@ NumericExpPtr ParseFileNumber(Program& p) {
 bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record) {
   if (!(*number = ParseFileNumber(p))) return false;
   if (!recordAllowed || !p.Accept(tok::kComma)) return true;
-  size_t mark = p.Mark();
+  ParseAttempt attempt(p);
   if (!(*record = ParseNumericExp(p))) {
-    p.Restore(mark);
-    SetParseError(err::kMissingRecordNumber);
+    attempt.Replace(err::kMissingRecordNumber);
     return false;
   }
   return true;
@@ -337,7 +334,7 @@ bool ExpectSemicolon(Program& p) {
 bool ParseFileValues(Program& p, bool endAllowed, FileValues* values) {
   for (;;) {
     FileValue v{nullptr, nullptr, 0};
-    size_t mark = p.Mark();
+    ParseAttempt attempt(p);
     if (endAllowed && p.Accept(tok::kEnd)) {
       values->push_back(std::move(v));
       return true;  // the end-of-file mark is the last item
@@ -345,10 +342,9 @@ bool ParseFileValues(Program& p, bool endAllowed, FileValues* values) {
     if (!(v.number = ParseNumericExp(p))) {
       ErrorCode numericError = g_err.parse;
       SetParseError(0);
-      p.Restore(mark);
+      attempt.Rewind();
       if (!(v.text = ParseStringExp(p))) {
-        p.Restore(mark);
-        if (!g_err.parse) SetParseError(numericError ? numericError : err::kBadExpression);
+        attempt.Fail(numericError ? numericError : err::kBadExpression);
         return false;
       }
     }
