@@ -5,6 +5,7 @@
 #include "stmt/input_loop.h"
 #include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
+#include "stmt/prompted.h"
 #include "stmt/targets.h"
 
 namespace {
@@ -62,23 +63,6 @@ class InputStmt : public Statement {
  private:
   RunState& run_;  // its console asks and reads
   TargetList targets_;
-};
-
-class InputPromptStmt final : public InputStmt {
- public:
-  InputPromptStmt(RunState& run, std::string_view prompt, TargetList targets)
-      : InputStmt(run, std::move(targets)), prompt_(prompt) {}
-  size_t Size() const override { return InputStmt::Size() + prompt_.size(); }
-
- protected:
-  const char* Prompt() const override { return prompt_.c_str(); }
-  void ListPrompt(std::string& out) const override {
-    ListStringLiteral(out, prompt_);
-    out += ',';
-  }
-
- private:
-  std::string prompt_;
 };
 
 }  // namespace
@@ -145,7 +129,7 @@ StatementPtr ParseInput(Program& p) {
     if (!p.Accept(tok::kComma)) return attempt.Replace(err::kMissingDelimiter);
     if (!ParseTargetList(p, &targets) || targets.empty())
       return attempt.Replace(err::kBadStringVar);
-    return std::make_unique<InputPromptStmt>(p.run, prompt, std::move(targets));
+    return std::make_unique<Prompted<InputStmt>>(prompt, p.run, std::move(targets));
   }
   if (!ParseTargetList(p, &targets) || targets.empty()) return attempt.Replace(err::kBadTarget);
   return std::make_unique<InputStmt>(p.run, std::move(targets));

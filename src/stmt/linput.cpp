@@ -3,6 +3,7 @@
 #include "lex/parse_attempt.h"
 #include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/prompted.h"
 
 namespace {
 
@@ -39,23 +40,6 @@ class LinputUserStmt : public Statement {
   std::unique_ptr<StringVar> target_;
 };
 
-class LinputUserPromptStmt final : public LinputUserStmt {
- public:
-  LinputUserPromptStmt(RunState& run, std::string_view prompt, std::unique_ptr<StringVar> target)
-      : LinputUserStmt(run, std::move(target)), prompt_(prompt) {}
-  size_t Size() const override { return LinputUserStmt::Size() + prompt_.size(); }
-
- protected:
-  const char* Prompt() const override { return prompt_.c_str(); }
-  void ListPrompt(std::string& out) const override {
-    ListStringLiteral(out, prompt_);
-    out += ',';
-  }
-
- private:
-  std::string prompt_;
-};
-
 }  // namespace
 
 // LINPUT ["prompt",] stringVar, as INPUT takes its prompt.
@@ -69,6 +53,6 @@ StatementPtr ParseLinput(Program& p) {
   }
   std::unique_ptr<StringVar> target = ParseStringVar(p);
   if (!target) return attempt.Fail(err::kBadStringVar);
-  if (prompted) return std::make_unique<LinputUserPromptStmt>(p.run, prompt, std::move(target));
+  if (prompted) return std::make_unique<Prompted<LinputUserStmt>>(prompt, p.run, std::move(target));
   return std::make_unique<LinputUserStmt>(p.run, std::move(target));
 }

@@ -18,11 +18,11 @@ bool SameBounds(const ArrayShape& a, const ArrayShape& b) {
 
 bool IsMatrix(const ArrayShape& a) { return a.dims.Count() == 2; }
 
-// "MAT A=" and what the subclass lists after it.
-class MatNumericAssignStmt : public Statement {
+// "MAT A=" or "MAT A$=" and what the subclass lists after it.
+template <class TargetVar>
+class MatAssignBase : public Statement {
  public:
-  explicit MatNumericAssignStmt(std::unique_ptr<NumericMatrixVar> target)
-      : target_(std::move(target)) {}
+  explicit MatAssignBase(std::unique_ptr<TargetVar> target) : target_(std::move(target)) {}
   TokenCode Code() const override { return tok::kMat; }
   void List(std::string& out) const override {
     out += "MAT ";
@@ -33,8 +33,18 @@ class MatNumericAssignStmt : public Statement {
 
  protected:
   virtual void ListValue(std::string& out) const = 0;
-  NumericScriptData& Target() const { return target_->Data(); }
+  auto& Target() const { return target_->Data(); }
   size_t TargetSize() const { return sizeof *this + sizeof *target_; }
+
+ private:
+  std::unique_ptr<TargetVar> target_;
+};
+
+class MatNumericAssignStmt : public MatAssignBase<NumericMatrixVar> {
+ public:
+  using MatAssignBase::MatAssignBase;
+
+ protected:
   // Reshapes the target to the result's bounds and stores the work area there.
   Statement* Store(std::span<const uint32_t> bounds, const MatrixWork& work) {
     NumericScriptData& a = Target();
@@ -42,9 +52,6 @@ class MatNumericAssignStmt : public Statement {
     StoreResult(work, a.count, a.elements.get());
     return successor_;
   }
-
- private:
-  std::unique_ptr<NumericMatrixVar> target_;
 };
 
 // MAT A=ZER, CON or IDN, with new bounds when given.
@@ -266,26 +273,7 @@ class MatFunctionStmt final : public MatNumericAssignStmt {
 
 // --- String arrays.
 
-class MatStringAssignBase : public Statement {
- public:
-  explicit MatStringAssignBase(std::unique_ptr<StringMatrixVar> target)
-      : target_(std::move(target)) {}
-  TokenCode Code() const override { return tok::kMat; }
-  void List(std::string& out) const override {
-    out += "MAT ";
-    target_->List(out);
-    out += '=';
-    ListValue(out);
-  }
-
- protected:
-  virtual void ListValue(std::string& out) const = 0;
-  StringScriptData& Target() const { return target_->Data(); }
-  size_t TargetSize() const { return sizeof *this + sizeof *target_; }
-
- private:
-  std::unique_ptr<StringMatrixVar> target_;
-};
+using MatStringAssignBase = MatAssignBase<StringMatrixVar>;
 
 // MAT A$=ZER: every element empty, after new bounds when given.
 class MatStringSetStmt final : public MatStringAssignBase {
