@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "expr/string_exp.h"
-#include "lex/symbols.h"
 #include "expr/variables.h"
+#include "lex/symbols.h"
 
 // "(X,B$,...)": each parameter takes a slot of its kind in the call frame.
 class ParameterSpec final : public ParameterList {

@@ -32,7 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FormatRunner runner(kMaxLine);
   ErrorCode code = runner.Run(image, values);
   if (runner.Line().size() > kMaxLine) std::abort();
-  if (code != 0 && code != err::kStringOverflow && (code < 4001 || code > 4009))
-    std::abort();
+  if (code != 0 && code != err::kStringOverflow && (code < 4001 || code > 4009)) std::abort();
   return 0;
 }
