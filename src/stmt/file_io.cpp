@@ -3,18 +3,15 @@
 #include "base/convert.h"
 #include "lex/parse_attempt.h"
 #include "shell/program.h"
+#include "stmt/file_stmt.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
 
-namespace {
-
-// The open unit a file number expression names; null with the error set.
 FileUnit* UnitOf(FileUnits& units, NumericExp& number) {
   float n = number.Evaluate();
   return g_err.run ? nullptr : units.OpenUnit(n);
 }
 
-// "#n" or "#n,r" as a statement lists it.
 void ListFileRecord(std::string& out, const char* keyword, const NumericExpPtr& number,
                     const NumericExpPtr& record) {
   out += keyword;
@@ -26,21 +23,41 @@ void ListFileRecord(std::string& out, const char* keyword, const NumericExpPtr& 
   }
 }
 
-// A statement on one file number: the end of the file goes to the ON END #
-// target, or fails with "End-of-file".
-class FileStmt : public Statement {
- protected:
-  FileStmt(FileUnits& units, NumericExpPtr number) : units_(units), number_(std::move(number)) {}
-  Statement* Finish(FileUnit* unit, FileUnit::Result result) {
-    if (result == FileUnit::kEnd) return unit->endTarget ? unit->endTarget : Fail(err::kFileEnd);
-    if (result == FileUnit::kFail || g_err.run) return Fail(g_err.run);
-    return successor_;
-  }
-  size_t BaseSize() const { return number_->Size(); }
+Statement* FileStmt::Finish(FileUnit* unit, FileUnit::Result result) {
+  if (result == FileUnit::kEnd) return unit->endTarget ? unit->endTarget : Fail(err::kFileEnd);
+  if (result == FileUnit::kFail || g_err.run) return Fail(g_err.run);
+  return successor_;
+}
 
-  FileUnits& units_;
-  NumericExpPtr number_;
-};
+NumericExpPtr ParseFileNumber(Program& p) {
+  if (!p.Accept(tok::kHash)) {
+    SetParseError(err::kMissingFileNumber);
+    return nullptr;
+  }
+  ParseAttempt attempt(p);
+  NumericExpPtr number = ParseNumericExp(p);
+  if (!number) return attempt.Replace(err::kMissingFileNumber);
+  return number;
+}
+
+bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record) {
+  if (!(*number = ParseFileNumber(p))) return false;
+  if (!recordAllowed || !p.Accept(tok::kComma)) return true;
+  ParseAttempt attempt(p);
+  if (!(*record = ParseNumericExp(p))) {
+    attempt.Replace(err::kMissingRecordNumber);
+    return false;
+  }
+  return true;
+}
+
+bool ExpectSemicolon(Program& p) {
+  if (p.Accept(tok::kSemicolon)) return true;
+  SetParseError(err::kMissingSemicolon);
+  return false;
+}
+
+namespace {
 
 // READ #n; list (serial), READ #n,r; list (bound to record r) and READ #n,r
 // (moves to record r).
@@ -293,40 +310,9 @@ class OnEndFileStmt final : public Statement {
   TargetRef target_;  // empty for OFF END #
 };
 
-// "#" and the file number expression; 51 when either is missing.
-NumericExpPtr ParseFileNumber(Program& p) {
-  if (!p.Accept(tok::kHash)) {
-    SetParseError(err::kMissingFileNumber);
-    return nullptr;
-  }
-  ParseAttempt attempt(p);
-  NumericExpPtr number = ParseNumericExp(p);
-  if (!number) return attempt.Replace(err::kMissingFileNumber);
-  return number;
-}
-
-// "#n" and, when allowed, ",r"; 52 for a "," without a record number.
-bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record) {
-  if (!(*number = ParseFileNumber(p))) return false;
-  if (!recordAllowed || !p.Accept(tok::kComma)) return true;
-  ParseAttempt attempt(p);
-  if (!(*record = ParseNumericExp(p))) {
-    attempt.Replace(err::kMissingRecordNumber);
-    return false;
-  }
-  return true;
-}
-
 bool AtStatementEnd(Program& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
-}
-
-// ";" before a list; 41 when it is missing.
-bool ExpectSemicolon(Program& p) {
-  if (p.Accept(tok::kSemicolon)) return true;
-  SetParseError(err::kMissingSemicolon);
-  return false;
 }
 
 // Values separated by "," or ";"; a numeric reading is tried before a string

@@ -396,9 +396,10 @@ StatementPtr ParseStringValue(Program& p, std::unique_ptr<StringMatrixVar> targe
 }  // namespace
 
 StatementPtr ParseMat(Program& p) {
-  if (p.Accept(tok::kRead)) return ParseMatRead(p);
+  if (p.Accept(tok::kRead)) return p.Peek() == tok::kHash ? ParseMatReadFile(p) : ParseMatRead(p);
   if (p.Accept(tok::kInput)) return ParseMatInput(p);
-  if (p.Accept(tok::kPrint)) return ParseMatPrint(p);
+  if (p.Accept(tok::kPrint))
+    return p.Peek() == tok::kHash ? ParseMatPrintFile(p) : ParseMatPrint(p);
   ParseAttempt attempt(p);
   StatementPtr stmt;
   if (NumericMatrixPtr target = ParseNumericMatrix(p)) {

@@ -92,6 +92,9 @@ StatementPtr ParseLock(Program& p);
 StatementPtr ParseUnlock(Program& p);
 StatementPtr ParseOnEndFile(Program& p);   // ON END #... or IF END #... ("END" consumed)
 StatementPtr ParseOffEndFile(Program& p);  // OFF END #...
+// mat_file.cpp: whole arrays through a file ("MAT READ" or "MAT PRINT" consumed).
+StatementPtr ParseMatReadFile(Program& p);
+StatementPtr ParseMatPrintFile(Program& p);
 
 // classic.cpp: the spellings of old listings.
 // Consumes the keyword, or GO and TO (kGoto) or GO and SUB (kGosub) in two words.

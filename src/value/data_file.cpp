@@ -128,6 +128,9 @@ OpenStatus DataFile::Open(const std::string& path, bool readOnly) {
     close(fd);
     return status;
   }
+  // No write bit at all is read-only for everyone: the superuser's open
+  // succeeds, but a program must not change a file its owner protected.
+  if ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) writable = false;
   fd_ = fd;
   writable_ = writable;
   words_ = words;

@@ -1,4 +1,5 @@
-10 REM A data file of 4 records of 16 words: written, read back, updated, purged
+10 REM A data file of 4 records of 16 words: written, read back, updated, whole arrays, purged
+15 DIM M(2,3),N(4,2)
 20 FILES *
 30 CREATE R,"recs.dat",4,16
 40 PRINT "CREATE";R
@@ -42,6 +43,7 @@
 420 PRINT #1;"A LONGER STRING","ANOTHER ONE",1,2,3
 430 PRINT "NOT REACHED"
 440 PRINT "FILE FULL AT REC";REC(1);"ITM";ITM(1)
+445 GOSUB 2000
 450 ASSIGN *,1,R
 460 PURGE R,"recs.dat"
 470 PRINT "PURGE";R
@@ -66,3 +68,16 @@
 1090 GOTO 1030
 1100 PRINT "  END OF FILE AT REC";REC(1);"ITM";ITM(1)
 1110 RETURN
+2000 REM Whole arrays: a 2x3 matrix in record 1, read back with other bounds
+2010 FOR I=1 TO 6
+2020 M(INT((I-1)/3)+1,I-3*INT((I-1)/3))=I*I
+2030 NEXT I
+2040 MAT PRINT #1,1;M
+2050 MAT READ #1,1;N(3,2)
+2060 PRINT "M WRITTEN AS 2X3, READ AS 3X2:"
+2070 MAT PRINT N;
+2080 ON END #1 THEN 2110
+2090 MAT READ #1,1;N(4,2)
+2100 PRINT "NOT REACHED"
+2110 PRINT "RECORD 1 ENDS AFTER";ITM(1)-1;"ITEMS; N(3,2) IS STILL";N(3,2)
+2120 RETURN

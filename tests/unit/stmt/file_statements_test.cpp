@@ -1,6 +1,7 @@
 // Data file statements run in whole programs: what the link opens and closes,
 // how the pointer moves through records, and files that change under a run.
 #include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -115,6 +116,40 @@ TEST_F(FileStatements, FailedValuesWriteNothing) {
   EXPECT_EQ(out.Text(), " 1     4    \n");
 }
 
+// MAT PRINT # writes the elements as one PRINT # of them, flowing serially
+// into the next records; MAT READ # reads them as READ # does, new bounds first.
+TEST_F(FileStatements, WholeArraysMoveThePointerAsReadAndPrintDo) {
+  ASSERT_EQ(DataFile::Create("m", 3, 6), CreateStatus::kCreated);
+  auto prog = Build({"10 DIM A(5),B(2,2),S$(2)", "20 FILES m", "30 MAT A=CON", "40 A(5)=5",
+                     "50 S$(1)=\"AB\"", "60 S$(2)=\"CD\"", "70 MAT PRINT #1;A;S$",
+                     "80 PRINT REC(1);ITM(1)", "90 READ #1,1", "100 MAT READ #1;B,A(1),S$(1)",
+                     "110 PRINT B(2,2);A(1);S$(1);REC(1);ITM(1)", "120 MAT READ #1,3;A(2)"});
+  ConsoleCapture out;
+  // Records of 6 words hold 3 numbers: 1 1 1 | 1 5 "AB" | "CD".
+  EXPECT_EQ(LinkAndRun(*prog), err::kDataWrongType);
+  EXPECT_EQ(loc::Number(g_err.location), 120u);
+  EXPECT_EQ(out.Text(),
+            " 3     2    \n"
+            " 1     5    AB 2     4    \n");
+  ClearError();
+  // Bound to a record, the end of the record is the end of the file.
+  prog = Build({"10 DIM A(5)", "20 FILES m", "30 ON END #1 THEN 60", "40 MAT READ #1,1;A",
+                "50 STOP", "60 PRINT ITM(1);A(3)", "70 MAT PRINT #1,1;A"});
+  EXPECT_EQ(LinkAndRun(*prog), err::kUndefinedValue);  // A(4) was never read
+  EXPECT_EQ(loc::Number(g_err.location), 70u);
+  const std::string before = out.Text();
+  EXPECT_EQ(before.substr(before.rfind(" 4")), " 4     1    \n");
+  ClearError();
+  // A read-only file refuses them and keeps what it holds.
+  ASSERT_EQ(chmod("m", 0444), 0);
+  prog = Build({"10 DIM A(2)", "20 FILES m", "30 MAT A=ZER", "40 MAT PRINT #1,2;A"});
+  EXPECT_EQ(LinkAndRun(*prog), err::kFileReadOnly);
+  ClearError();
+  prog = Build({"10 DIM A(2)", "20 FILES m", "30 MAT READ #1,2;A", "40 PRINT A(1);A(2)"});
+  EXPECT_EQ(LinkAndRun(*prog), 0u);
+  EXPECT_EQ(out.Text(), before + " 1     5    \n");
+}
+
 TEST_F(FileStatements, Listings) {
   EXPECT_EQ(Listing("PRINT #N+1,R*2;A$,B;C,END"), "PRINT #N+1,R*2;A$,B;C,END");
   EXPECT_EQ(Listing("PRINT #1;A;"), "PRINT #1;A");
@@ -124,6 +159,11 @@ TEST_F(FileStatements, Listings) {
   EXPECT_EQ(Listing("ASSIGN A$,2,R,WR"), "ASSIGN A$,2,R,WR");
   EXPECT_EQ(Listing("CREATE R,\"X\"+\"Y\",10"), "CREATE R,\"X\"+\"Y\",10");
   EXPECT_EQ(Listing("FILES  my data , other.dat,*"), "FILES my data,other.dat,*");
+  EXPECT_EQ(Listing("MAT READ #N,2;A(3),B$"), "MAT READ #N,2;A(3),B$");
+  EXPECT_EQ(Listing("MAT PRINT #1;A;B$,C"), "MAT PRINT #1;A,B$,C");
+  EXPECT_EQ(ParseErrorOf("MAT READ #1"), err::kMissingSemicolon);
+  EXPECT_EQ(ParseErrorOf("MAT PRINT #1,;A"), err::kMissingRecordNumber);
+  EXPECT_EQ(ParseErrorOf("MAT PRINT #1;A(2)"), err::kTrailingChars);
   EXPECT_EQ(ParseErrorOf("FILES ,A"), err::kBadStringArg);
   EXPECT_EQ(ParseErrorOf("UPDATE #1;END"), err::kBadExpression);
   EXPECT_EQ(ParseErrorOf("PRINT #1;END,A"), err::kTrailingChars);

@@ -1,0 +1,34 @@
+// What the statements on one file number share: READ #, PRINT #, UPDATE #,
+// ADVANCE, LOCK in file_io.cpp and MAT READ #, MAT PRINT # in mat_file.cpp.
+#pragma once
+#include <string>
+
+#include "stmt/file_units.h"
+#include "stmt/statement.h"
+
+class Program;
+
+// The open unit a file number expression names; null with the error set.
+FileUnit* UnitOf(FileUnits& units, NumericExp& number);
+// "KEYWORD #n" or "KEYWORD #n,r" as a statement lists it.
+void ListFileRecord(std::string& out, const char* keyword, const NumericExpPtr& number,
+                    const NumericExpPtr& record);
+
+// "#" and the file number expression; 51 when either is missing.
+NumericExpPtr ParseFileNumber(Program& p);
+// "#n" and, when allowed, ",r"; 52 for a "," without a record number.
+bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record);
+// ";" before a list; 41 when it is missing.
+bool ExpectSemicolon(Program& p);
+
+// A statement on one file number: the end of the file goes to the ON END #
+// target, or fails with "End-of-file".
+class FileStmt : public Statement {
+ protected:
+  FileStmt(FileUnits& units, NumericExpPtr number) : units_(units), number_(std::move(number)) {}
+  Statement* Finish(FileUnit* unit, FileUnit::Result result);
+  size_t BaseSize() const { return number_->Size(); }
+
+  FileUnits& units_;
+  NumericExpPtr number_;
+};
