@@ -176,12 +176,12 @@ constexpr const char* kMat[] = {
     "MAT <array> = <array> [<matOp> <array>] - <matOp> is +, - or *.",
     "MAT <array> = (<numericExp>) * <array>",
     "MAT <array> = TRN(<array>) - Transpose; INV(<array>) inverse.",
-    "MAT READ <array>[(<dims>)][,<arrayList>]",
+    "MAT READ [#<fileNumber>[,<record>];]<array>[(<dims>)][,<arrayList>]",
     "MAT INPUT <array>[(<dims>)][,<arrayList>]",
     "MAT PRINT <array>[;<arrayList>] - ';' packs a row, ',' uses zones.",
+    "MAT PRINT #<fileNumber>[,<record>];<array>[,<arrayList>] - To a file.",
     "String arrays: MAT A$ = B$, MAT A$ = ZER, READ, INPUT, PRINT.",
-    "New dimensions may not exceed the size the array was made with;",
-    "INV of a singular matrix is the error \"Matrix is singular\".",
+    "New bounds fit within the array's first size. INV: \"Matrix is singular\".",
 };
 constexpr const char* kMoveTo[] = {
     "MOVETO @<gdiNumber>; <x>,<y>",
