@@ -20,6 +20,7 @@ class StringLit final : public StringExp {
   explicit StringLit(std::string_view text) : text_(text) {}
   size_t Size() const override { return sizeof *this + text_.size(); }
   int Kind() const override { return kLiteral; }
+  bool Quiet() const override { return true; }
   void List(std::string& out) const override { ListStringLiteral(out, text_); }
   std::string_view Evaluate(StringValue&) override { return text_; }
 
@@ -96,7 +97,7 @@ template <typename Op>
 class StringRelation final : public NumericExp {
  public:
   StringRelation(StringExpPtr left, StringExpPtr right)
-      : left_(std::move(left)), right_(std::move(right)) {}
+      : left_(std::move(left)), right_(std::move(right)), copyLeft_(!right_->Quiet()) {}
   int Kind() const override { return static_cast<int>(Op::kKind); }
   size_t Size() const override { return sizeof *this + left_->Size() + right_->Size(); }
   void List(std::string& out) const override {
@@ -106,7 +107,7 @@ class StringRelation final : public NumericExp {
   }
   float Evaluate() override {
     std::string_view left = left_->Evaluate(leftWork_);
-    if (left.data() != leftWork_.Data()) {
+    if (copyLeft_ && left.data() != leftWork_.Data()) {
       // The right side may change the variable the view points into.
       leftWork_.Clear();
       leftWork_.Append(left);
@@ -119,6 +120,7 @@ class StringRelation final : public NumericExp {
  private:
   StringExpPtr left_, right_;
   StringValue leftWork_, rightWork_;
+  bool copyLeft_;  // a quiet right side cannot change what the left view shows
 };
 
 StringExpPtr ParseStringPrimary(Program& p) {

@@ -18,6 +18,9 @@ class StringExp {
   // The value: a view of the node's own text or storage, or of work, which
   // the node may fill. The view is valid until the next evaluation or assignment.
   virtual std::string_view Evaluate(StringValue& work) = 0;
+  // True when evaluating changes nothing a view of another value could point
+  // into (no call, no function work area): a literal or a plain variable.
+  virtual bool Quiet() const { return false; }
 };
 using StringExpPtr = std::unique_ptr<StringExp>;
 

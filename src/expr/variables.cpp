@@ -173,11 +173,17 @@ template <typename At>
 class StringElement final : public StringScriptVar {
  public:
   StringElement(const VarToken* name, std::vector<NumericExpPtr> subscripts)
-      : StringScriptVar(name, std::move(subscripts)), at_(subscripts_) {}
+      : StringScriptVar(name, std::move(subscripts)), at_(subscripts_) {
+    quiet_ = true;
+    for (const auto& s : subscripts_)
+      quiet_ = quiet_ && FormOf(LookThrough(s.get())) != OperandForm::kTree;
+  }
   StringValue* Locate() override { return at_.Find(data_); }
+  bool Quiet() const override { return quiet_; }
 
  private:
   At at_;
+  bool quiet_;  // every subscript a literal or a simple variable
 };
 
 // The element class that fits the subscripts.

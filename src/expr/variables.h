@@ -124,6 +124,7 @@ class StringSimpleVar final : public StringWholeVar {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override;
   StringValue* Locate() override { return value_; }
+  bool Quiet() const override { return true; }
   ErrorCode Link(Program& prog) override;
 
  private:

@@ -21,6 +21,15 @@ TEST(StringCompare, BytesThenLength) {
   EXPECT_EQ(Printed("A$[1,3]=\"ABC\";A$+\"G\">A$"), " 1     1    \n");
 }
 
+// The left value is kept aside while the right side runs: here the right side
+// calls the same function, whose work area holds the left value.
+TEST(StringCompare, RightSideCallsTheLeftSidesFunction) {
+  EXPECT_EQ(Output({"10 DEF FNJ$(A$)=A$+\"X\"",
+                    "20 PRINT FNJ$(\"A\")<FNJ$(\"B\");FNJ$(\"B\")<FNJ$(\"A\");A$<FNJ$(A$)"},
+                   72, nullptr),
+            " 1     0     1    \n");
+}
+
 TEST(StringCompare, SubstringReads) {
   EXPECT_EQ(Printed("A$[2,4];\"|\";A$[7];\"|\";A$[3,2];\"|\";A$[3;0];\"|\""), "BCD||||\n");
   EXPECT_EQ(Printed("A$[5;4];\"|\";A$[5,8];\"|\";A$[65535;2];\"|\""), "EF  |EF  |  |\n");
