@@ -1,5 +1,6 @@
 #include "stmt/case_items.h"
 
+#include "expr/operands.h"
 #include "lex/parse_attempt.h"
 #include "shell/program.h"
 
@@ -40,15 +41,20 @@ bool Holds(TokenCode op, int order) {
   }
 }
 
+// Values and ranges read their bounds through operand forms (operands.h):
+// CASE lists are mostly literals, read in place.
+template <typename V>
 class CaseNumericEQ final : public NumericCase {
  public:
-  explicit CaseNumericEQ(NumericExpPtr value) : value_(std::move(value)) {}
+  explicit CaseNumericEQ(NumericExpPtr value)
+      : value_(std::move(value)), v_(LookThrough(value_.get())) {}
   size_t Size() const override { return sizeof *this + value_->Size(); }
   void List(std::string& out) const override { value_->List(out); }
-  bool Matches(float selector) override { return selector == value_->Evaluate(); }
+  bool Matches(float selector) override { return selector == v_.Get(); }
 
  private:
   NumericExpPtr value_;
+  V v_;
 };
 
 class CaseNumericRelational final : public NumericCase {
@@ -82,10 +88,14 @@ class CaseNumericRelational final : public NumericCase {
   NumericExpPtr value_;
 };
 
+template <typename L, typename H>
 class CaseNumericRange final : public NumericCase {
  public:
   CaseNumericRange(NumericExpPtr low, NumericExpPtr high)
-      : low_(std::move(low)), high_(std::move(high)) {}
+      : low_(std::move(low)),
+        high_(std::move(high)),
+        l_(LookThrough(low_.get())),
+        h_(LookThrough(high_.get())) {}
   size_t Size() const override { return sizeof *this + low_->Size() + high_->Size(); }
   void List(std::string& out) const override {
     low_->List(out);
@@ -93,13 +103,15 @@ class CaseNumericRange final : public NumericCase {
     high_->List(out);
   }
   bool Matches(float selector) override {
-    float low = low_->Evaluate();
-    float high = high_->Evaluate();
+    float low = l_.Get();
+    float high = h_.Get();
     return low <= selector && selector <= high;
   }
 
  private:
   NumericExpPtr low_, high_;
+  L l_;
+  H h_;
 };
 
 class CaseStringEQ final : public StringCase {
@@ -168,10 +180,19 @@ NumericCasePtr ParseNumericCase(Program& p) {
   NumericExpPtr value = ParseNumericExp(p);
   if (!value) return nullptr;
   if (op) return std::make_unique<CaseNumericRelational>(op, std::move(value));
-  if (!p.Accept(tok::kTo)) return std::make_unique<CaseNumericEQ>(std::move(value));
+  if (!p.Accept(tok::kTo)) {
+    return WithOperand(value.get(), [&](auto v) -> NumericCasePtr {
+      return std::make_unique<CaseNumericEQ<decltype(v)>>(std::move(value));
+    });
+  }
   NumericExpPtr high = ParseNumericExp(p);
   if (!high) return nullptr;
-  return std::make_unique<CaseNumericRange>(std::move(value), std::move(high));
+  return WithOperand(value.get(), [&](auto l) {
+    return WithOperand(high.get(), [&](auto h) -> NumericCasePtr {
+      using Range = CaseNumericRange<decltype(l), decltype(h)>;
+      return std::make_unique<Range>(std::move(value), std::move(high));
+    });
+  });
 }
 
 StringCasePtr ParseStringCase(Program& p) {
