@@ -18,6 +18,26 @@ int32_t Truncate(double x) {
   return conv::ToIntIn(x, INT32_MIN, INT32_MAX, &whole) ? static_cast<int32_t>(whole) : INT32_MIN;
 }
 
+// What " %-Wd" + tail prints for i >= 0 and "%+-(W+1)d" + tail for i < 0:
+// the sign or a blank, the digits left-justified in width W, then tail.
+// |i| is at most 999999 here.
+int FormatWhole(char* out, int32_t i, int width, const char* tail) {
+  char digits[8];
+  int count = 0;
+  uint32_t magnitude = i < 0 ? 0u - static_cast<uint32_t>(i) : static_cast<uint32_t>(i);
+  do {
+    digits[count++] = static_cast<char>('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude);
+  char* p = out;
+  *p++ = i < 0 ? '-' : ' ';
+  for (int k = count; k-- > 0;) *p++ = digits[k];
+  for (int k = count; k < width; ++k) *p++ = ' ';
+  while (*tail) *p++ = *tail++;
+  *p = '\0';
+  return static_cast<int>(p - out);
+}
+
 }  // namespace
 
 size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve) {
@@ -32,20 +52,20 @@ size_t FormatNumber(float value, char (&buffer)[kNumberBufferSize], int* reserve
     length = snprintf(buffer, n, "%-11s   ", std::isnan(x) ? " NAN" : x > 0 ? " INF" : "-INF");
   } else if (std::modf(x, &whole) == 0.0) {
     int32_t i = Truncate(x);
+    // Below a million %lg and %lG print a whole number as its digits, so every
+    // whole form is digits laid out by hand: snprintf's float path is slow.
     if (i >= -999 && i <= 999) {
       *reserve = 4;
-      length = i >= 0 ? snprintf(buffer, n, " %-3d  ", i) : snprintf(buffer, n, "%+-4d  ", i);
+      length = FormatWhole(buffer, i, 3, "  ");
     } else if (i >= -32767 && i <= 32767) {
       *reserve = 6;
-      length = i >= 0 ? snprintf(buffer, n, " %-5d   ", i) : snprintf(buffer, n, "%+-5d   ", i);
+      length = FormatWhole(buffer, i, i < 0 ? 4 : 5, "   ");  // one narrower when negative
     } else if (i >= -99999 && i <= 99999) {
       *reserve = 8;
-      length =
-          x >= 0 ? snprintf(buffer, n, " %-5lg.    ", x) : snprintf(buffer, n, "%+-6lg.    ", x);
+      length = FormatWhole(buffer, i, 5, ".    ");
     } else if (i >= -999999 && i <= 999999) {
       *reserve = 8;
-      length =
-          x >= 0 ? snprintf(buffer, n, " %-6lG.    ", x) : snprintf(buffer, n, "%+-7lG.    ", x);
+      length = FormatWhole(buffer, i, 6, ".    ");
     } else {
       *reserve = 11;
       length =

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -53,6 +55,30 @@ TEST(NumberFormat, LargeIntegersCarryAPoint) {
               {500000, " 500000.    ", 8},
               {999999, " 999999.    ", 8},
               {-999999, "-999999.    ", 8}});
+}
+
+// Whole numbers are laid out by hand; they must match the printf formats
+// that define them, for every value near the row limits and a spread between.
+TEST(NumberFormat, WholeNumbersMatchTheirPrintfForms) {
+  auto reference = [](int i) {
+    char buffer[64];
+    double x = i;
+    int a = i < 0 ? -i : i;
+    if (a <= 999)
+      snprintf(buffer, sizeof buffer, i >= 0 ? " %-3d  " : "%+-4d  ", i);
+    else if (a <= 32767)
+      snprintf(buffer, sizeof buffer, i >= 0 ? " %-5d   " : "%+-5d   ", i);
+    else if (a <= 99999)
+      snprintf(buffer, sizeof buffer, i >= 0 ? " %-5lg.    " : "%+-6lg.    ", x);
+    else
+      snprintf(buffer, sizeof buffer, i >= 0 ? " %-6lG.    " : "%+-7lG.    ", x);
+    return std::string(buffer);
+  };
+  for (int i = -999999; i <= 999999;
+       i += (i > -40000 && i < 40000) || std::abs(i) % 100000 > 99000 ? 1 : 97) {
+    int reserve;
+    ASSERT_EQ(Format(static_cast<float>(i), &reserve), reference(i)) << i;
+  }
 }
 
 TEST(NumberFormat, IntegersFromAMillionUseExponents) {
