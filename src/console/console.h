@@ -17,7 +17,7 @@ class LineHistory;
 class Console final : public PrintSink {
  public:
   // Line reader results below zero.
-  static constexpr int kBreakRead = -1;   // Ctrl+C while waiting; run error set to 4010
+  static constexpr int kBreakRead = -1;   // Ctrl+C while waiting; run error set to kBreak
   static constexpr int kTimedOut = -2;    // the timed variant's deadline passed
   static constexpr int kEndOfInput = -3;  // standard input is exhausted
   static constexpr int kLineMax = 2047;   // characters a line may hold

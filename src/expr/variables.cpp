@@ -218,7 +218,7 @@ const VarToken* SymbolOf(const Program& p, TokenCode code) {
   TokenCode category = tok::Category(code);
   bool variable = category == tok::kNumVar || category == tok::kStrVar ||
                   category == tok::kNumArray || category == tok::kStrArray;
-  return variable && code >= 0x100 ? static_cast<const VarToken*>(p.Symbol()) : nullptr;
+  return variable && code >= tok::kFirstCoded ? static_cast<const VarToken*>(p.Symbol()) : nullptr;
 }
 
 // The error of a substring length that is no count: below 0, past the

@@ -1,4 +1,4 @@
-// Token codes: lexical classes below 0x100, categories in code & 0xF000 above.
+// Token codes: lexical classes below kFirstCoded, categories in code & kCatMask above.
 #pragma once
 #include <cstdint>
 
@@ -21,6 +21,8 @@ constexpr TokenCode kStringWord = 17;
 constexpr TokenCode kWordBracket = 18;
 constexpr TokenCode kStringWordParen = 19;
 constexpr TokenCode kOther = 20;
+// Codes from here up carry a category; the lexical classes stay below.
+constexpr TokenCode kFirstCoded = 0x100;
 
 // Categories (code & 0xF000).
 constexpr TokenCode kCatMask = 0xF000;

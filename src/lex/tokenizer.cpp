@@ -349,7 +349,7 @@ TokenCode Tokenizer::GetToken() {
 
 TokenCode Tokenizer::AcceptCategory(TokenCode category) {
   TokenCode code = GetToken();
-  if (tok::Category(code) == category && code >= 0x100) return code;
+  if (tok::Category(code) == category && code >= tok::kFirstCoded) return code;
   BackUp();
   return 0;
 }
@@ -413,7 +413,7 @@ std::string Tokenizer::DumpTokens() {
       continue;
     }
     TokenCode cat = tok::Category(token.code);
-    bool spaced = token.code >= 0x100 &&
+    bool spaced = token.code >= tok::kFirstCoded &&
                   (cat == tok::kLogical || cat == tok::kSecondary || cat == tok::kStatement);
     if (spaced) out += ' ';
     out += text;

@@ -249,7 +249,7 @@ TargetRef ParseTarget(Program& p) {
     for (char c : p.Text()) value = std::min<uint64_t>(value * 10 + (c - '0'), 1000000);
     if (value >= 1 && value <= 999999)
       return TargetRef(p, p.ReferNumber(static_cast<uint32_t>(value)));
-  } else if (tok::Category(code) == tok::kNumVar && code >= 0x100 && p.Symbol()) {
+  } else if (tok::Category(code) == tok::kNumVar && code >= tok::kFirstCoded && p.Symbol()) {
     std::string name(p.Text());
     p.Accept(tok::kColon);
     return TargetRef(p, p.ReferName(name));

@@ -102,7 +102,7 @@ class Program final : public Tokenizer {
   // --- Parsing and listing.
   // Parses the rest of the tokenizer's line (after any statement number) into
   // statements: label, statement, trailing comment. A failed parse gives one
-  // InvalidStmt; an empty line gives none, with the parse error 2.
+  // InvalidStmt; an empty line gives none, with the parse error kEndOfLine.
   std::vector<StatementPtr> ParseLine();
   // Lists one line (a statement and those that continue its line) and returns
   // the new block depth. indentWidth 0 indents with tabs.

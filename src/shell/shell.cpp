@@ -145,7 +145,7 @@ bool Shell::Dispatch(const char* line) {
     ProgramLine();
     return true;
   }
-  unsigned command = code >= 0x100 || code == tok::kWord ? CommandOf(prog_->Text()) : 0;
+  unsigned command = code >= tok::kFirstCoded || code == tok::kWord ? CommandOf(prog_->Text()) : 0;
   switch (command) {
     case kList:
       List();

@@ -234,7 +234,7 @@ bool StartsStringCase(Program& p) {
     case tok::kStrArray:
     case tok::kStrFunc:
     case tok::kStrUserFn:
-      return code >= 0x100;
+      return code >= tok::kFirstCoded;
     default:
       return code == tok::kString;
   }

@@ -151,7 +151,7 @@ StatementPtr ParseChain(Program& p) {
       uint64_t value = 0;
       for (char c : p.Text()) value = std::min<uint64_t>(value * 10 + (c - '0'), 1000000);
       if (value >= 1 && value <= 999999) number = static_cast<uint32_t>(value);
-    } else if (tok::Category(code) == tok::kNumVar && code >= 0x100 && p.Symbol()) {
+    } else if (tok::Category(code) == tok::kNumVar && code >= tok::kFirstCoded && p.Symbol()) {
       label = p.Text();
       p.Accept(tok::kColon);
     }

@@ -257,7 +257,7 @@ DimSpecPtr ParseDimSpec(Program& p) {
   }
   attempt.Rewind();
 
-  // String scalar: a length is required, so a bare name fails with 30.
+  // String scalar: a length is required, so a bare name fails with kMissingLBracket.
   if (const VarToken* name = NameIn(p, tok::kStrVar)) {
     if (ParseLength(p, &length)) return std::make_unique<DimStringSimpleSpec>(name, length);
     return attempt.Fail();
@@ -275,9 +275,9 @@ DimSpecPtr ParseDimSpec(Program& p) {
 DimSpecPtr ParseComSpec(Program& p) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
-  if (tok::Category(code) == tok::kNumVar && code >= 0x100 && p.Symbol())
+  if (tok::Category(code) == tok::kNumVar && code >= tok::kFirstCoded && p.Symbol())
     return std::make_unique<ComNumericSimpleSpec>(static_cast<const VarToken*>(p.Symbol()));
-  if (tok::Category(code) == tok::kStrVar && code >= 0x100 && p.Symbol() &&
+  if (tok::Category(code) == tok::kStrVar && code >= tok::kFirstCoded && p.Symbol() &&
       p.Peek() != tok::kLBracket)
     return std::make_unique<DimStringSimpleSpec>(static_cast<const VarToken*>(p.Symbol()), 0);
   attempt.Rewind();

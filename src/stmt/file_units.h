@@ -22,7 +22,7 @@ class FileUnit final {
   OpenStatus Open(const std::string& path, bool readOnly);
   void Close();  // keeps the end branch: it belongs to the number
 
-  // To the start of a record: kEnd past the last one, kFail (1014) below 1.
+  // To the start of a record: kEnd past the last one, kFail (kArgOutOfRange) below 1.
   Result Seek(float record);
   // The next item into target. Bound operations stay in the record they
   // started in; serial ones pass end-of-record marks into the next records.
@@ -67,9 +67,10 @@ class FileUnits final {
  public:
   static constexpr int kUnits = 16;
 
-  // The open unit a file number names; null with 2001 (not 1 to 16) or 2003 raised.
+  // The open unit a file number names; null with kBadFileNumber (not 1 to 16)
+  // or kFileNotOpen raised.
   FileUnit* OpenUnit(float number);
-  // The unit of a file number, open or not; null with 2001 raised.
+  // The unit of a file number, open or not; null with kBadFileNumber raised.
   FileUnit* Unit(float number);
   FileUnit& operator[](int index) { return units_[index]; }
   // True when one of the units has the file open.

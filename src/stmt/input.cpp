@@ -17,7 +17,7 @@ struct Typed {
 };
 
 // Prints the prompt and reads the next line; false when the dialogue ends (an
-// empty line, a break, or the end of input with 2004 raised).
+// empty line, a break, or the end of input with kFileEnd raised).
 bool Ask(Console& con, Typed& typed, const char* prompt, uint32_t location) {
   con.Printf("%s", prompt);
   int n = con.ReadLine(typed.line);

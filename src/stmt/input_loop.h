@@ -21,6 +21,6 @@ class InputSlots {
 };
 
 // Prints the prompt and fills the slots from typed lines. An empty line or a
-// break ends it early; the end of input raises 2004 at location; a storage
+// break ends it early; the end of input raises kFileEnd at location; a storage
 // failure of a slot ends it with that error.
 void RunInput(Console& con, const char* prompt, InputSlots& slots, uint32_t location);

@@ -12,7 +12,7 @@ class LinputUserStmt : public Statement {
   LinputUserStmt(RunState& run, std::unique_ptr<StringVar> target)
       : run_(run), target_(std::move(target)) {}
   // An empty line is an empty string; a break ends the statement; the end of
-  // input raises 2004 as INPUT does.
+  // input raises kFileEnd as INPUT does.
   Statement* Execute() override {
     Console& con = *run_.console;
     con.Printf("%s", Prompt());

@@ -23,7 +23,7 @@ class NewBounds final {
   static bool Parse(Program& prog, std::unique_ptr<NewBounds>* out);
   size_t Size() const;
   void List(std::string& out) const;
-  // The evaluated bounds; 1014 for one that is no count from 1 to the element limit.
+  // The evaluated bounds; kArgOutOfRange for one that is no count from 1 to the element limit.
   ErrorCode Evaluate(uint32_t (&bounds)[kMax], size_t* count) const;
 
  private:
@@ -54,11 +54,11 @@ class MatArray {
   // Element i in row-major order; both kinds take both, a wrong one is ignored.
   virtual void Set(uint32_t i, float value) = 0;
   virtual void Set(uint32_t i, std::string_view text) = 0;
-  // Writes element i; an undefined number writes 0 and raises 1001.
+  // Writes element i; an undefined number writes 0 and raises kUndefinedValue.
   virtual void Put(uint32_t i, MatrixSink& sink) const = 0;
   virtual size_t Size() const;
   void List(std::string& out) const;
-  // Gives the array its new bounds, if any: 0, 1014 for a bad bound, 1003
+  // Gives the array its new bounds, if any: 0, kArgOutOfRange for a bad bound, kDimensionMismatch
   // when they need more elements than the array was created with.
   ErrorCode Redimension();
   // Writes every row: the elements of the last bound, one call of EndRow

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Sizes a work vector; false when memory is short (the program goes on with error 3).
+// Sizes a work vector; false when memory is short (the program goes on with kNoMemory).
 template <typename T>
 bool Fit(std::vector<T>& v, size_t size) {
   try {

@@ -18,7 +18,7 @@ bool AllDefined(const float* values, uint32_t count);
 // Asked between rows: true when the computation must stop (Ctrl+C, taken by the asking).
 using StopCheck = bool (*)();
 
-// The kernels return 0, 3 when the work area cannot grow, or 4010 when stop
+// The kernels return 0, kNoMemory when the work area cannot grow, or kBreak when stop
 // said so; work.values is then unspecified.
 
 // work.values = a (m x n) times b (n x p), m x p.
@@ -27,7 +27,7 @@ ErrorCode MatrixProduct(const float* a, const float* b, uint32_t m, uint32_t n, 
 // work.values = the transpose of a (m x n), n x m.
 ErrorCode MatrixTranspose(const float* a, uint32_t m, uint32_t n, MatrixWork& work);
 // work.values = the inverse of a (n x n) by Gauss-Jordan elimination with
-// partial pivoting. 1019 when a is singular, or so nearly singular that a
+// partial pivoting. kSingularMatrix when a is singular, or so nearly singular that a
 // pivot is lost in the float precision of its elements, or when the inverse
 // does not fit in floats.
 ErrorCode MatrixInverse(const float* a, uint32_t n, MatrixWork& work, StopCheck stop);

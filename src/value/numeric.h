@@ -24,7 +24,7 @@ inline bool IsUndefined(float value) {
   return bits == kUndefinedBits;
 }
 
-// Reads a stored value: the undefined mark reads as 0 and raises 1001.
+// Reads a stored value: the undefined mark reads as 0 and raises kUndefinedValue.
 inline float ReadValue(float stored) {
   if (IsUndefined(stored)) [[unlikely]] {
     SetRunError(err::kUndefinedValue);
@@ -74,7 +74,7 @@ struct ArrayShape {
   DimensionList dims;
   uint32_t count = 0;     // elements of the current bounds
   uint32_t capacity = 0;  // elements allocated when the array was created
-  // New bounds (each at least 1); 1003 when they hold more than the capacity.
+  // New bounds (each at least 1); kDimensionMismatch when they hold more than the capacity.
   ErrorCode Reshape(std::span<const uint32_t> bounds);
 };
 

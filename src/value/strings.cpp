@@ -12,7 +12,7 @@ ErrorCode MakeStringArray(const VarToken* name, DimensionList dims,
   data->name = name;
   data->count = data->capacity = static_cast<uint32_t>(total);
   data->dims = std::move(dims);
-  // Every element allocates a block of its own: a shortage there is error 3, not an abort.
+  // Every element allocates a block of its own: a shortage there is kNoMemory, not an abort.
   try {
     data->elements.reset(new StringValue[data->count ? data->count : 1]);
   } catch (const std::bad_alloc&) {

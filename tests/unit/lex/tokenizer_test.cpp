@@ -22,37 +22,49 @@ TEST(Keywords, EveryNameHasItsCode) {
     const char* name;
     TokenCode code;
   };
+  // clang-format off
   static const Row kRows[] = {
-      {"LET", 0xF00A},      {"PRINT", 0xF019},     {"IF", 0xF00B},     {"GOTO", 0xF00C},
-      {"GOSUB", 0xF00D},    {"RETURN", 0xF00E},    {"STOP", 0xF011},   {"END", 0xF012},
-      {"REM", 0xF01B},      {"FOR", 0xF00F},       {"NEXT", 0xF010},   {"DIM", 0xF01C},
-      {"DEF", 0xF021},      {"INPUT", 0xF016},     {"READ", 0xF014},   {"DATA", 0xF013},
-      {"ENTER", 0xF017},    {"RESTORE", 0xF015},   {"MAT", 0xF023},    {"LINPUT", 0xF018},
-      {"CONVERT", 0xF022},  {"CHAIN", 0xF01E},     {"SPAWN", 0xF01F},  {"IMAGE", 0xF01A},
-      {"COM", 0xF01D},      {"ELSE", 0xF033},      {"ENDIF", 0xF034},  {"WHILE", 0xF035},
-      {"ENDWHILE", 0xF036}, {"REPEAT", 0xF037},    {"UNTIL", 0xF038},  {"SELECT", 0xF039},
-      {"CASE", 0xF03A},     {"ENDSELECT", 0xF03B}, {"SLEEP", 0xF03C},  {"ON", 0xF025},
-      {"OFF", 0xF026},      {"ASSIGN", 0xF028},    {"CLOSE", 0xF031},  {"FILES", 0xF027},
-      {"OPEN", 0xF030},     {"ADVANCE", 0xF02B},   {"UPDATE", 0xF02C}, {"LOCK", 0xF02D},
-      {"UNLOCK", 0xF02E},   {"CREATE", 0xF029},    {"PURGE", 0xF02A},  {"EXTEND", 0xF02F},
-      {"SYSTEM", 0xF024},   {"WINDOW", 0xF03D},    {"SHOW", 0xF03E},   {"HIDE", 0xF03F},
-      {"MOVETO", 0xF040},   {"LINETO", 0xF041},    {"COLOR", 0xF042},  {"USING", 0xE014},
-      {"ERROR", 0xE015},    {"STEP", 0xE016},      {"THEN", 0xE017},   {"TO", 0xE019},
-      {"OF", 0xE01A},       {"RR", 0xE01B},        {"WR", 0xE01D},     {"ZER", 0xE01E},
-      {"CON", 0xE01F},      {"IDN", 0xE020},       {"TRN", 0xE021},    {"INV", 0xE022},
-      {"DO", 0xE018},       {"NR", 0xE01C},        {"ABS", 0x900A},    {"ATN", 0x900B},
-      {"BRK", 0x901A},      {"COS", 0x900C},       {"EXP", 0x900D},    {"INT", 0x900E},
-      {"ITM", 0x9019},      {"LOG", 0x9010},       {"REC", 0x9018},    {"RND", 0x9011},
-      {"SGN", 0x9012},      {"SIN", 0x9013},       {"SQR", 0x9014},    {"TAN", 0x9015},
-      {"TIM", 0x901B},      {"TID", 0x9016},       {"TYP", 0x901C},    {"FIX", 0x900F},
-      {"SYS", 0x901D},      {"PI", 0x9022},        {"CHR$", 0x800B},   {"UPS$", 0x800A},
-      {"LEFT$", 0x800D},    {"RIGHT$", 0x800E},    {"MID$", 0x800F},   {"DEC$", 0x800C},
-      {"LEN", 0x901F},      {"NUM", 0x9020},       {"ASC", 0x9020},    {"POS", 0x9021},
-      {"DEC", 0x901E},      {"LIN", 0x500A},       {"SPA", 0x500B},    {"TAB", 0x500C},
-      {"CTL", 0x500D},      {"VER", 0x9017},       {"MIN", 0xD012},    {"MAX", 0xD013},
-      {"AND", 0xC00A},      {"OR", 0xC00B},        {"XOR", 0xC00D},    {"NOT", 0xC00C},
-      {"IMP", 0xC00F},      {"MOD", 0xD010},       {"DIV", 0xD011},    {"EQV", 0xC00E},
+    {"LET", tok::kLet},             {"PRINT", tok::kPrint},       {"IF", tok::kIf},
+    {"GOTO", tok::kGoto},           {"GOSUB", tok::kGosub},       {"RETURN", tok::kReturn},
+    {"STOP", tok::kStop},           {"END", tok::kEnd},           {"REM", tok::kRem},
+    {"FOR", tok::kFor},             {"NEXT", tok::kNext},         {"DIM", tok::kDim},
+    {"DEF", tok::kDef},             {"INPUT", tok::kInput},       {"READ", tok::kRead},
+    {"DATA", tok::kData},           {"ENTER", tok::kEnter},       {"RESTORE", tok::kRestore},
+    {"MAT", tok::kMat},             {"LINPUT", tok::kLinput},     {"CONVERT", tok::kConvert},
+    {"CHAIN", tok::kChain},         {"SPAWN", tok::kSpawn},       {"IMAGE", tok::kImage},
+    {"COM", tok::kCom},             {"ELSE", tok::kElse},         {"ENDIF", tok::kEndIf},
+    {"WHILE", tok::kWhile},         {"ENDWHILE", tok::kEndWhile}, {"REPEAT", tok::kRepeat},
+    {"UNTIL", tok::kUntil},         {"SELECT", tok::kSelect},     {"CASE", tok::kCase},
+    {"ENDSELECT", tok::kEndSelect}, {"SLEEP", tok::kSleep},       {"ON", tok::kOn},
+    {"OFF", tok::kOff},             {"ASSIGN", tok::kAssign},     {"CLOSE", tok::kClose},
+    {"FILES", tok::kFiles},         {"OPEN", tok::kOpen},         {"ADVANCE", tok::kAdvance},
+    {"UPDATE", tok::kUpdate},       {"LOCK", tok::kLock},         {"UNLOCK", tok::kUnlock},
+    {"CREATE", tok::kCreate},       {"PURGE", tok::kPurge},       {"EXTEND", tok::kExtend},
+    {"SYSTEM", tok::kSystem},       {"WINDOW", tok::kWindow},     {"SHOW", tok::kShow},
+    {"HIDE", tok::kHide},           {"MOVETO", tok::kMoveTo},     {"LINETO", tok::kLineTo},
+    {"COLOR", tok::kColor},         {"USING", tok::kUsing},       {"ERROR", tok::kError},
+    {"STEP", tok::kStep},           {"THEN", tok::kThen},         {"TO", tok::kTo},
+    {"OF", tok::kOf},               {"RR", tok::kRr},             {"WR", tok::kWr},
+    {"ZER", tok::kZer},             {"CON", tok::kCon},           {"IDN", tok::kIdn},
+    {"TRN", tok::kTrn},             {"INV", tok::kInv},           {"DO", tok::kDo},
+    {"NR", tok::kNr},               {"ABS", tok::kFnAbs},         {"ATN", tok::kFnAtn},
+    {"BRK", tok::kFnBrk},           {"COS", tok::kFnCos},         {"EXP", tok::kFnExp},
+    {"INT", tok::kFnInt},           {"ITM", tok::kFnItm},         {"LOG", tok::kFnLog},
+    {"REC", tok::kFnRec},           {"RND", tok::kFnRnd},         {"SGN", tok::kFnSgn},
+    {"SIN", tok::kFnSin},           {"SQR", tok::kFnSqr},         {"TAN", tok::kFnTan},
+    {"TIM", tok::kFnTim},           {"TID", tok::kFnTid},         {"TYP", tok::kFnTyp},
+    {"FIX", tok::kFnFix},           {"SYS", tok::kFnSys},         {"PI", tok::kFnPi},
+    {"CHR$", tok::kFnChr},          {"UPS$", tok::kFnUps},        {"LEFT$", tok::kFnLeft},
+    {"RIGHT$", tok::kFnRight},      {"MID$", tok::kFnMid},        {"DEC$", tok::kFnDecStr},
+    {"LEN", tok::kFnLen},           {"NUM", tok::kFnNum},         {"ASC", tok::kFnNum},
+    {"POS", tok::kFnPos},           {"DEC", tok::kFnDec},         {"LIN", tok::kFnLin},
+    {"SPA", tok::kFnSpa},           {"TAB", tok::kFnTab},         {"CTL", tok::kFnCtl},
+    {"VER", tok::kFnVer},           {"MIN", tok::kMin},           {"MAX", tok::kMax},
+    {"AND", tok::kAnd},             {"OR", tok::kOr},             {"XOR", tok::kXor},
+    {"NOT", tok::kNot},             {"IMP", tok::kImp},           {"MOD", tok::kMod},
+    {"DIV", tok::kDiv},             {"EQV", tok::kEqv},
   };
+  // clang-format on
   ASSERT_EQ(std::size(kRows), 55u + 15 + 36 + 10);
   for (const Row& row : kRows) {
     const BasicToken* k = FindKeyword(row.name);
@@ -71,37 +83,44 @@ TEST(Tokenizer, KeywordsAreReservedInEveryWordKind) {
   Tokenizer t;
   // LEN( is the function, TO never a variable, CHR$ the function even without "(".
   EXPECT_EQ(Codes(t, "len(X) to TO CHR$ chr$(1) Print min"),
-            (std::vector<TokenCode>{0x901F, 0xA00A, 0x1000, 0xA00B, 0xE019, 0xE019, 0x800B, 0x800B,
-                                    0xA00A, 12, 0xA00B, 0xF019, 0xD012}));
+            (std::vector<TokenCode>{tok::kFnLen, tok::kLParen, tok::kNumVar, tok::kRParen, tok::kTo,
+                                    tok::kTo, tok::kFnChr, tok::kFnChr, tok::kLParen, tok::kInteger,
+                                    tok::kRParen, tok::kPrint, tok::kMin}));
   EXPECT_EQ(t.Table(tok::kNumVar).Count(), 1u);
   EXPECT_EQ(t.Table(tok::kNumArray).Count(), 0u);
 }
 
 TEST(Tokenizer, WordsFindTheirTable) {
   Tokenizer t;
-  EXPECT_EQ(Codes(t, "A A$ A(1) A$(1) fna(1) FNA(2) FNA fn(1) fn$(1) fnb$(1) A$[1]"),
-            (std::vector<TokenCode>{0x1000, 0x2000, 0x3000, 0xA00A, 12,     0xA00B, 0x4000,
-                                    0xA00A, 12,     0xA00B, 0x7000, 0xA00A, 12,     0xA00B,
-                                    0x7000, 0xA00A, 12,     0xA00B, 0x1001, 0x3001, 0xA00A,
-                                    12,     0xA00B, 0x4001, 0xA00A, 12,     0xA00B, 0x6000,
-                                    0xA00A, 12,     0xA00B, 0x2000, 0xA00C, 12,     0xA00D}));
+  EXPECT_EQ(
+      Codes(t, "A A$ A(1) A$(1) fna(1) FNA(2) FNA fn(1) fn$(1) fnb$(1) A$[1]"),
+      (std::vector<TokenCode>{
+          tok::kNumVar,    tok::kStrVar,   tok::kNumArray,  tok::kLParen,       tok::kInteger,
+          tok::kRParen,    tok::kStrArray, tok::kLParen,    tok::kInteger,      tok::kRParen,
+          tok::kNumUserFn, tok::kLParen,   tok::kInteger,   tok::kRParen,       tok::kNumUserFn,
+          tok::kLParen,    tok::kInteger,  tok::kRParen,    tok::kNumVar + 1,   tok::kNumArray + 1,
+          tok::kLParen,    tok::kInteger,  tok::kRParen,    tok::kStrArray + 1, tok::kLParen,
+          tok::kInteger,   tok::kRParen,   tok::kStrUserFn, tok::kLParen,       tok::kInteger,
+          tok::kRParen,    tok::kStrVar,   tok::kLBracket,  tok::kInteger,      tok::kRBracket}));
   // First use decides the spelling, on later lines too.
   Codes(t, "FnA(3) a");
   EXPECT_STREQ(t.Table(tok::kNumUserFn).Find("FNA")->Name(), "fna");
   EXPECT_STREQ(t.Table(tok::kNumVar).Find("a")->Name(), "A");
   // Other lexical classes keep their class as the code.
-  EXPECT_EQ(Codes(t, "1.2.3 \"x '1E \t"), (std::vector<TokenCode>{5, 12, 7}));
-  EXPECT_EQ(Codes(t, "'300 1E \t"), (std::vector<TokenCode>{8, 5, 20}));
+  EXPECT_EQ(Codes(t, "1.2.3 \"x '1E \t"),
+            (std::vector<TokenCode>{tok::kBadConstant, tok::kInteger, tok::kOpenLiteral}));
+  EXPECT_EQ(Codes(t, "'300 1E \t"),
+            (std::vector<TokenCode>{tok::kBadCharCode, tok::kBadConstant, tok::kOther}));
 }
 
 TEST(Tokenizer, BackingUpReplaysWithoutRescanning) {
   Tokenizer t;
   const char* line = "A+B*2";
   t.StartLine(line);
-  EXPECT_EQ(t.GetToken(), 0x1000u);
+  EXPECT_EQ(t.GetToken(), tok::kNumVar);
   size_t mark = t.Mark();
   EXPECT_EQ(t.GetToken(), tok::kPlus);
-  EXPECT_EQ(t.GetToken(), 0x1001u);
+  EXPECT_EQ(t.GetToken(), tok::kNumVar + 1);
   size_t scanned = t.Offset();
   t.Restore(mark);
   EXPECT_EQ(t.GetToken(), tok::kPlus);
@@ -109,10 +128,10 @@ TEST(Tokenizer, BackingUpReplaysWithoutRescanning) {
   t.BackUp();
   t.BackUp();  // past the first token: the empty position
   EXPECT_EQ(t.Mark(), 0u);
-  EXPECT_EQ(t.GetToken(), 0x1000u);
+  EXPECT_EQ(t.GetToken(), tok::kNumVar);
   EXPECT_EQ(t.Text(), "A");
   EXPECT_EQ(t.GetToken(), tok::kPlus);
-  EXPECT_EQ(t.GetToken(), 0x1001u);
+  EXPECT_EQ(t.GetToken(), tok::kNumVar + 1);
   EXPECT_EQ(t.Offset(), scanned);  // replayed from the list
   EXPECT_EQ(t.Peek(), tok::kStar);
   EXPECT_EQ(t.Peek(), tok::kStar);
@@ -130,7 +149,7 @@ TEST(Tokenizer, AcceptOperations) {
   EXPECT_FALSE(t.Accept(tok::kTo));
   EXPECT_EQ(t.AcceptCategory(tok::kSecondary), tok::kThen);
   EXPECT_FALSE(t.AcceptOpen());
-  EXPECT_EQ(t.AcceptCategory(tok::kNumVar), 0x1000u);
+  EXPECT_EQ(t.AcceptCategory(tok::kNumVar), tok::kNumVar);
   EXPECT_TRUE(t.Accept(tok::kSemicolon));
   EXPECT_FALSE(t.AcceptClose());
   EXPECT_TRUE(t.AcceptOpen());
