@@ -6,6 +6,7 @@
 
 #include "base/convert.h"
 #include "expr/operands.h"
+#include "expr/operators.h"
 #include "lex/parse_attempt.h"
 #include "shell/program.h"
 
@@ -19,8 +20,6 @@ void Appendf(std::string& out, const char* format, ...) {
 }
 
 namespace {
-
-float Truth(bool value) { return value ? 1.0f : 0.0f; }
 
 // The value a constant lists with: whole numbers in the range of hex constants
 // exactly, others as the shortest decimal that reads back as the same float, so
@@ -99,140 +98,10 @@ class Negate final : public NumericExp {
   NumericExpPtr operand_;
 };
 
-// Operator traits: kind code, listing text, which operand is evaluated first.
-struct FactorOp {
-  static constexpr TokenCode kKind = tok::kCaret;
-  static constexpr bool kHot = false;
-  static constexpr const char* kText = "^";
-  static constexpr bool kRightFirst = true;
-  static float Apply(float a, float b) {
-    return static_cast<float>(std::pow(double{a}, double{b}));
-  }
-};
-struct MultiplyOp {
-  static constexpr TokenCode kKind = tok::kStar;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "*";
-  static constexpr bool kRightFirst = true;
-  static float Apply(float a, float b) { return a * b; }
-};
-struct DivideOp {
-  static constexpr TokenCode kKind = tok::kSlash;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "/";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return a / b; }
-};
-struct ModOp {
-  static constexpr TokenCode kKind = tok::kMod;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = " MOD ";
-  static constexpr bool kRightFirst = true;
-  // fmod is exact, so for whole operands the integer remainder gives the same
-  // bits (the sign of the dividend, -0 included) at a tenth of fmod's cost.
-  static float Apply(float a, float b) {
-    int32_t x, y;
-    if (conv::ExactInt32(a, &x) && conv::ExactInt32(b, &y) && y != 0)
-      return std::copysign(static_cast<float>(x % y), a);
-    return static_cast<float>(std::fmod(double{a}, double{b}));
-  }
-};
-struct DivOp {
-  static constexpr TokenCode kKind = tok::kDiv;
-  static constexpr bool kHot = false;
-  static constexpr const char* kText = " DIV ";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return static_cast<float>(std::floor(double{a / b})); }
-};
-struct AddOp {
-  static constexpr TokenCode kKind = tok::kPlus;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "+";
-  static constexpr bool kRightFirst = true;
-  static float Apply(float a, float b) { return a + b; }
-};
-struct SubtractOp {
-  static constexpr TokenCode kKind = tok::kMinus;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "-";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return a - b; }
-};
-struct MinOp {
-  static constexpr TokenCode kKind = tok::kMin;
-  static constexpr bool kHot = false;
-  static constexpr const char* kText = " MIN ";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return a < b ? a : b; }
-};
-struct MaxOp {
-  static constexpr TokenCode kKind = tok::kMax;
-  static constexpr bool kHot = false;
-  static constexpr const char* kText = " MAX ";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return a > b ? a : b; }
-};
-struct EqOp {
-  static constexpr TokenCode kKind = tok::kEQ;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "=";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a == b); }
-};
-struct NeOp {
-  static constexpr TokenCode kKind = tok::kNE;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "<>";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(!(a == b)); }
-};
-struct LtOp {
-  static constexpr TokenCode kKind = tok::kLT;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "<";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a < b); }
-};
-struct LeOp {
-  static constexpr TokenCode kKind = tok::kLE;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = "<=";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a <= b); }
-};
-struct GtOp {
-  static constexpr TokenCode kKind = tok::kGT;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = ">";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a > b); }
-};
-struct GeOp {
-  static constexpr TokenCode kKind = tok::kGE;
-  static constexpr bool kHot = true;
-  static constexpr const char* kText = ">=";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a >= b); }
-};
-struct XorOp {
-  static constexpr TokenCode kKind = tok::kXor;
-  static constexpr bool kHot = false;
-  static constexpr const char* kText = " XOR ";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth((a != 0.0f) != (b != 0.0f)); }
-};
-struct EqvOp {
-  static constexpr TokenCode kKind = tok::kEqv;
-  static constexpr bool kHot = false;
-  static constexpr const char* kText = " EQV ";
-  static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth((a != 0.0f) == (b != 0.0f)); }
-};
-
 // A binary operator node over two subtrees, read through operand forms L and
 // R (operands.h); the common operators get a class for each combination.
 template <typename Op, typename L = TreeOperand, typename R = TreeOperand>
-class Binary final : public NumericExp {
+class Binary final : public NumericExp, public TwoOperands {
  public:
   Binary(NumericExpPtr left, NumericExpPtr right)
       : left_(std::move(left)),
@@ -255,6 +124,10 @@ class Binary final : public NumericExp {
       return Op::Apply(left, r_.Get());
     }
   }
+  void Operands(NumericExp** left, NumericExp** right, float*) const override {
+    *left = left_.get();
+    *right = right_.get();
+  }
 
  private:
   NumericExpPtr left_;
@@ -265,7 +138,7 @@ class Binary final : public NumericExp {
 
 // The same operator with a literal right operand folded in at parse time.
 template <typename Op, typename L = TreeOperand>
-class BinaryEC final : public NumericExp {
+class BinaryEC final : public NumericExp, public TwoOperands {
  public:
   BinaryEC(NumericExpPtr left, float constant)
       : left_(std::move(left)), l_(LookThrough(left_.get())), constant_(constant) {}
@@ -277,6 +150,11 @@ class BinaryEC final : public NumericExp {
     Appendf(out, "%.15lg", ListedValue(constant_));
   }
   float Evaluate() override { return Op::Apply(l_.Get(), constant_); }
+  void Operands(NumericExp** left, NumericExp** right, float* constant) const override {
+    *left = left_.get();
+    *right = nullptr;
+    *constant = constant_;
+  }
 
  private:
   NumericExpPtr left_;
@@ -589,6 +467,22 @@ NumericExpPtr MakeNumericLit(float value) { return std::make_unique<NumericLit>(
 bool LiteralValue(const NumericExp* node, float* value) {
   if (node->Kind() != NumericExp::kLiteral) return false;
   *value = static_cast<const NumericLit*>(node)->value();
+  return true;
+}
+
+bool ArithmeticOperands(NumericExp* node, NumericExp** left, NumericExp** right, float* constant) {
+  switch (node->Kind()) {
+    case tok::kPlus:
+    case tok::kMinus:
+    case tok::kStar:
+    case tok::kSlash:
+      break;
+    default:
+      return false;
+  }
+  auto* parts = dynamic_cast<const TwoOperands*>(node);
+  if (!parts) return false;
+  parts->Operands(left, right, constant);
   return true;
 }
 

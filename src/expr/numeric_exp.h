@@ -46,6 +46,9 @@ NumericExpPtr ParseNumericUserCall(Program& prog);
 NumericExpPtr MakeNumericLit(float value);
 // True, with its value, when node is a literal.
 bool LiteralValue(const NumericExp* node, float* value);
+// True, with the operands, when node is an arithmetic operator (+ - * /);
+// *right is null when a literal right operand was folded into *constant.
+bool ArithmeticOperands(NumericExp* node, NumericExp** left, NumericExp** right, float* constant);
 // The node inside any parentheses around it (a parenthesised node only passes
 // its operand's value on).
 NumericExp* LookThrough(NumericExp* node);

@@ -22,6 +22,7 @@ struct VarOperand {
 // A literal: its value, copied.
 struct ConstOperand {
   explicit ConstOperand(NumericExp* node) { LiteralValue(node, &value_); }
+  explicit ConstOperand(float value) : value_(value) {}
   float Get() const { return value_; }
   float value_ = 0.0f;
 };

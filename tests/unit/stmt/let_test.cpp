@@ -32,6 +32,22 @@ TEST(Let, ElementTargets) {
   EXPECT_EQ(error, 1002u);
 }
 
+// "V = V op E" runs as one update; it must read, check and list as the
+// general form does.
+TEST(Let, UpdatesOfTheTarget) {
+  EXPECT_EQ(
+      Output({"10 S=10", "20 S=S+2; S=S-3; S=S*4; S=S/6; S=(S)-1", "30 S=S-S*2", "40 PRINT S"}),
+      "-5    \n");
+  EXPECT_EQ(Output({"10 S=5", "20 T=2", "30 S=S-T; S=S/(T+2)", "40 PRINT S"}), " 0.75      \n");
+  EXPECT_EQ(ListingOf("LET S = S + 1"), "LET S=S+1");
+  EXPECT_EQ(ListingOf("S=(S)/2"), "S=(S)/2");
+  ErrorCode error = 0;
+  Output({"10 S=S+1"}, 72, &error);  // the target itself undefined
+  EXPECT_EQ(error, 1001u);
+  Output({"10 S=1", "20 S=S*Q"}, 72, &error);
+  EXPECT_EQ(error, 1001u);
+}
+
 TEST(Let, ParseErrors) {
   EXPECT_EQ(ParseErrorOf("LET"), 24u);
   EXPECT_EQ(ParseErrorOf("LET 5"), 24u);
