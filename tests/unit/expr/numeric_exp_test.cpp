@@ -244,7 +244,7 @@ TEST_F(NumericExpTest, ParseErrors) {
   EXPECT_EQ(Parse(prog, "X+(1<2"), nullptr);
   EXPECT_EQ(g_err.parse, 29u);
   // No relational code is missing from the relation tail, so 48 cannot arise
-  // from scanned input: every 0xB000 token parses.
+  // from scanned input: every relation token (tok::kRelation) parses.
   for (const char* text : {"1<=2", "1=<2", "1<2", "1>=2", "1=>2", "1>2", "1<>2", "1#2", "1=2"}) {
     NumericExpPtr r = Parse(prog, text);
     ASSERT_TRUE(r) << text;
