@@ -184,7 +184,7 @@ class UserCall final {
   }
 
   // Takes the frame and stores the arguments, evaluated in the caller's
-  // frame; false (with 1010 raised) when this call site is already active.
+  // frame; false (with kRecursion raised) when this call site is already active.
   bool Enter(CallFrames::Saved* saved) {
     if (active_ != 0) {
       SetRunError(err::kRecursion);  // the error ends the run; the site stays as it was

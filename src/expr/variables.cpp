@@ -62,7 +62,8 @@ ErrorCode BindArray(std::unique_ptr<Data>& array, const VarToken* name, size_t s
   return 0;
 }
 
-// Raises 1002 for an element out of bounds, unless a subscript raised an error first.
+// Raises kSubscriptOutOfBounds for an element out of bounds, unless a subscript raised an error
+// first.
 std::nullptr_t OutOfBounds() {
   if (!g_err.run) SetRunError(err::kSubscriptOutOfBounds);
   return nullptr;
