@@ -1,7 +1,7 @@
 // PRINT lists: items, print functions and separators as a tree parsed once,
 // listed back and executed onto a print sink, plus the layout rules they share.
-// Inherited names: a Spec is one part of a statement's list; PrintSpecList is
-// the base of a PRINT list's items, separator groups and end markers.
+// Inherited names: PrintSpecList is the base of a PRINT list's items,
+// separator groups and end markers (each one part of the statement's list).
 #pragma once
 #include <memory>
 #include <string>
