@@ -29,6 +29,29 @@ Statement* FileStmt::Finish(FileUnit* unit, FileUnit::Result result) {
   return successor_;
 }
 
+FileUnit* FileStmt::Position(NumericExp* record, bool write, Statement** next) {
+  FileUnit* unit = UnitOf(units_, *number_);
+  if (!unit) {
+    *next = Fail(g_err.run);
+    return nullptr;
+  }
+  if (!record) return unit;
+  float r = record->Evaluate();
+  if (g_err.run) {
+    *next = Fail(g_err.run);
+    return nullptr;
+  }
+  if (FileUnit::Result result = unit->Seek(r); result != FileUnit::kOk) {
+    *next = Finish(unit, result);
+    return nullptr;
+  }
+  if (write && !unit->File().Writable()) {
+    *next = Fail(err::kFileReadOnly);
+    return nullptr;
+  }
+  return unit;
+}
+
 NumericExpPtr ParseFileNumber(Program& p) {
   if (!p.Accept(tok::kHash)) {
     SetParseError(err::kMissingFileNumber);
@@ -68,13 +91,9 @@ class ReadFileStmt final : public FileStmt {
         record_(std::move(record)),
         targets_(std::move(targets)) {}
   Statement* Execute() override {
-    FileUnit* unit = UnitOf(units_, *number_);
-    if (!unit) return Fail(g_err.run);
-    if (record_) {
-      float record = record_->Evaluate();
-      if (g_err.run) return Fail(g_err.run);
-      if (FileUnit::Result r = unit->Seek(record); r != FileUnit::kOk) return Finish(unit, r);
-    }
+    Statement* next;
+    FileUnit* unit = Position(record_.get(), false, &next);
+    if (!unit) return next;
     for (const auto& target : targets_) {
       FileUnit::Result r = unit->Read(*target, record_ != nullptr);
       if (r != FileUnit::kOk || g_err.run) return Finish(unit, r);
@@ -138,15 +157,10 @@ class PrintFileStmt final : public FileStmt {
         record_(std::move(record)),
         values_(std::move(values)) {}
   Statement* Execute() override {
-    FileUnit* unit = UnitOf(units_, *number_);
-    if (!unit) return Fail(g_err.run);
+    Statement* next;
+    FileUnit* unit = Position(record_.get(), true, &next);
+    if (!unit) return next;
     bool bound = record_ != nullptr;
-    if (bound) {
-      float record = record_->Evaluate();
-      if (g_err.run) return Fail(g_err.run);
-      if (FileUnit::Result r = unit->Seek(record); r != FileUnit::kOk) return Finish(unit, r);
-      if (!unit->File().Writable()) return Fail(err::kFileReadOnly);
-    }
     FileUnit::Result result = FileUnit::kOk;
     bool endFile = false;
     for (FileValue& v : values_) {

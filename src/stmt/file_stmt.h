@@ -14,11 +14,11 @@ FileUnit* UnitOf(FileUnits& units, NumericExp& number);
 void ListFileRecord(std::string& out, const char* keyword, const NumericExpPtr& number,
                     const NumericExpPtr& record);
 
-// "#" and the file number expression; 51 when either is missing.
+// "#" and the file number expression; kMissingFileNumber when either is missing.
 NumericExpPtr ParseFileNumber(Program& p);
-// "#n" and, when allowed, ",r"; 52 for a "," without a record number.
+// "#n" and, when allowed, ",r"; kMissingRecordNumber for a "," without one.
 bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record);
-// ";" before a list; 41 when it is missing.
+// ";" before a list; kMissingSemicolon when it is missing.
 bool ExpectSemicolon(Program& p);
 
 // A statement on one file number: the end of the file goes to the ON END #
@@ -27,6 +27,9 @@ class FileStmt : public Statement {
  protected:
   FileStmt(FileUnits& units, NumericExpPtr number) : units_(units), number_(std::move(number)) {}
   Statement* Finish(FileUnit* unit, FileUnit::Result result);
+  // The unit, moved to the record when the statement names one (which must
+  // then be writable for a write); null with *next set where the run goes.
+  FileUnit* Position(NumericExp* record, bool write, Statement** next);
   size_t BaseSize() const { return number_->Size(); }
 
   FileUnits& units_;

@@ -87,13 +87,9 @@ class MatReadFileStmt final : public FileStmt {
         record_(std::move(record)),
         arrays_(std::move(arrays)) {}
   Statement* Execute() override {
-    FileUnit* unit = UnitOf(units_, *number_);
-    if (!unit) return Fail(g_err.run);
-    if (record_) {
-      float record = record_->Evaluate();
-      if (g_err.run) return Fail(g_err.run);
-      if (FileUnit::Result r = unit->Seek(record); r != FileUnit::kOk) return Finish(unit, r);
-    }
+    Statement* next;
+    FileUnit* unit = Position(record_.get(), false, &next);
+    if (!unit) return next;
     FileSource source(*unit, record_ != nullptr);
     ErrorCode code = ReadArrays(arrays_, source);
     if (source.result != FileUnit::kOk) return Finish(unit, source.result);
@@ -122,15 +118,10 @@ class MatPrintFileStmt final : public FileStmt {
         record_(std::move(record)),
         arrays_(std::move(arrays)) {}
   Statement* Execute() override {
-    FileUnit* unit = UnitOf(units_, *number_);
-    if (!unit) return Fail(g_err.run);
+    Statement* next;
+    FileUnit* unit = Position(record_.get(), true, &next);
+    if (!unit) return next;
     bool bound = record_ != nullptr;
-    if (bound) {
-      float record = record_->Evaluate();
-      if (g_err.run) return Fail(g_err.run);
-      if (FileUnit::Result r = unit->Seek(record); r != FileUnit::kOk) return Finish(unit, r);
-      if (!unit->File().Writable()) return Fail(err::kFileReadOnly);
-    }
     FileSink sink(*unit, bound);
     for (const auto& array : arrays_) array->WriteRows(sink, true);
     // What was written is stored even when the writing stopped early.
