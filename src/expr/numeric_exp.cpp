@@ -530,7 +530,7 @@ NumericExpPtr ParseNumericSum(Program& p) {
 }
 
 NumericExpPtr ParseNumericExp(Program& p) {
-  if (g_nesting > kMaxNesting) {
+  if (g_nesting > kMaxNesting || !p.SpendExpression()) {
     SetParseError(err::kBadNumericExp);
     return nullptr;
   }

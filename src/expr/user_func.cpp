@@ -128,11 +128,23 @@ struct Argument {
 
 // "(arg,...)": each argument a numeric expression, else a string expression.
 bool ParseArguments(Program& p, std::vector<Argument>* out) {
+  if (!p.SpendExpression()) return SetParseError(err::kBadNumericExp), false;
   ParseAttempt attempt(p);
   if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
   if (p.Accept(tok::kRParen)) return true;
   do {
     Argument arg;
+    // A string expression that ends its argument is one. Read first, it spares each
+    // nested string call a second reading, which doubled the work with every level.
+    ParseAttempt text(p);
+    ErrorCode before = g_err.parse;
+    if ((arg.text = ParseStringExp(p)) && (p.Peek() == tok::kComma || p.Peek() == tok::kRParen)) {
+      out->push_back(std::move(arg));
+      continue;
+    }
+    arg.text.reset();
+    text.Rewind();
+    SetParseError(before);
     if (!(arg.number = ParseNumericExp(p))) {
       ErrorCode numericError = g_err.parse;
       if (!(arg.text = ParseStringExp(p))) {

@@ -291,6 +291,7 @@ void Tokenizer::StartLine(const char* line) {
   arena_.clear();
   pos_ = 0;
   lineStart_ = line;
+  expressions_ = kExpressionsPerLine;
   SetLine(line);
 }
 

@@ -105,11 +105,18 @@ class Tokenizer : public Scanner {
   SymbolTable& Table(TokenCode category);
   size_t SymbolStorage() const;
 
+  // One more expression reading on this line; false once the line has had its share.
+  // Nested calls whose string operands are read twice (as a relation, then as text)
+  // would otherwise multiply the readings with every level.
+  bool SpendExpression() { return expressions_ > 0 && expressions_-- > 0; }
+
  private:
   std::vector<Token> tokens_;
   std::string arena_;  // every lexeme of the line, back to back
   size_t pos_ = 0;     // tokens handed out; tokens_[pos_ - 1] is current
   const char* lineStart_ = "";
+  static constexpr int kExpressionsPerLine = 50000;  // a full line needs a few thousand
+  int expressions_ = kExpressionsPerLine;
   SymbolTable numVars_{tok::kNumVar};
   SymbolTable strVars_{tok::kStrVar};
   SymbolTable numArrays_{tok::kNumArray};

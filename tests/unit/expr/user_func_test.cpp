@@ -1,6 +1,7 @@
 // DEF FN definitions and calls: parsing, link-time binding and the call frames.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <initializer_list>
@@ -203,6 +204,26 @@ TEST_F(UserFuncTest, DefDoesNotExecute) {
   Lines({"10 DEF FNA(X)=X"});
   EXPECT_FALSE(prog_.First()->IsExecutable());
   EXPECT_EQ(prog_.First()->Code(), tok::kDef);
+}
+
+// String calls nested deep parse in time linear in their depth, and a deep nest
+// that never closes is refused at once: each level once read its argument twice.
+TEST(UserFuncParse, DeepStringCallsParseQuickly) {
+  auto parse = [](const std::string& text) {
+    Program prog;
+    SetParseError(0);
+    prog.StartLine(text.c_str());
+    auto line = prog.ParseLine();
+    return line.front()->ParseError();
+  };
+  std::string closed = "PRINT ", open = "PRINT ";
+  for (int i = 0; i < 300; ++i) closed += "FNA$(";
+  for (int i = 0; i < 150; ++i) open += "FNA$(X$,FNA$(";
+  closed += "X$" + std::string(300, ')');
+  auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(parse(closed), 0u);
+  EXPECT_NE(parse(open), 0u);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 }  // namespace
