@@ -22,5 +22,8 @@ class KeySource {
 };
 
 std::unique_ptr<KeySource> MakeTerminalKeys(int fd);
+// Keys typed while the terminal backend waited for a reply to its own query:
+// kept here and read before anything new, so typing ahead loses nothing.
+void KeepTypedAhead(std::string_view bytes);
 std::unique_ptr<KeySource> MakePipedInput(int fd);
 std::unique_ptr<KeySource> MakeStringInput(std::string_view text);

@@ -7,8 +7,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "console/console_backend.h"
+#include "console/key_source.h"
 #include "platform/break_flag.h"
 #include "platform/signals.h"
 #include "platform/terminal_restore.h"
@@ -31,22 +33,26 @@ bool QueryCursor(int inFd, int outFd, int* x, int* y) {
   tcsetattr(inFd, TCSANOW, &raw);
   bool ok = false;
   if (write(outFd, "\x1b[6n", 4) == 4) {
-    char reply[32];
-    size_t n = 0;
+    // Keys typed meanwhile arrive around the reply; all but the reply is kept.
+    std::string got;
     pollfd pfd{inFd, POLLIN, 0};
-    while (n < sizeof reply - 1 && poll(&pfd, 1, 300) > 0) {
-      ssize_t r = read(inFd, reply + n, 1);
-      if (r <= 0) break;
-      if (reply[n++] == 'R') break;
+    while (!ok && got.size() < 256 && poll(&pfd, 1, 300) > 0) {
+      char c;
+      if (read(inFd, &c, 1) != 1) break;
+      got += c;
+      if (c != 'R') continue;
+      size_t esc = got.rfind('\x1b');
+      int row, col, end = 0;
+      if (esc != std::string::npos &&
+          sscanf(got.c_str() + esc, "\x1b[%d;%dR%n", &row, &col, &end) == 2 &&
+          esc + static_cast<size_t>(end) == got.size()) {
+        *x = col - 1;
+        *y = row - 1;
+        got.resize(esc);
+        ok = true;
+      }
     }
-    reply[n] = '\0';
-    const char* esc = static_cast<const char*>(memchr(reply, '\x1b', n));
-    int row, col;
-    if (esc && sscanf(esc, "\x1b[%d;%dR", &row, &col) == 2) {
-      *x = col - 1;
-      *y = row - 1;
-      ok = true;
-    }
+    KeepTypedAhead(got);
   }
   tcsetattr(inFd, TCSANOW, &saved);
   return ok;

@@ -22,6 +22,8 @@ namespace {
 
 constexpr int kEscWaitMs = 30;  // a lone ESC is the Escape key
 
+std::string g_typedAhead;  // keys a terminal query read before the key reader
+
 struct KeySeq {
   std::string bytes;
   int code;
@@ -85,6 +87,10 @@ class TerminalKeys final : public KeySource {
   void EndLine() override { SetRawInput(false); }
 
   int WaitKey(int timeoutMs) override {
+    if (!g_typedAhead.empty()) {
+      buf_ += g_typedAhead;  // read after what buf_ holds
+      g_typedAhead.clear();
+    }
     if (buf_.empty()) {
       int r = Fill(timeoutMs);
       if (r <= 0) return r == 0 ? kEnd : kNone;
@@ -154,3 +160,5 @@ class TerminalKeys final : public KeySource {
 }  // namespace
 
 std::unique_ptr<KeySource> MakeTerminalKeys(int fd) { return std::make_unique<TerminalKeys>(fd); }
+
+void KeepTypedAhead(std::string_view bytes) { g_typedAhead += bytes; }

@@ -31,4 +31,11 @@ wait_for '^BREAK in line (10|20)$'
 tm send-keys -t t 'BYE' Enter
 wait_for 'MINUTES OF TERMINAL TIME$'
 check_exit
+
+# Keys typed before the shell is up are not lost to its question about the cursor.
+tm kill-session -t t
+tm new-session -d -s t -x 100 -y 40 "env -u BASIC_HISTORY TERM=xterm sh -c 'sleep 0.5; exec \"$bin\"'"
+tm send-keys -t t 'WIDTH' Enter
+wait_for '^Width is 72$'
+tm send-keys -t t 'BYE' Enter
 finish "shell on a terminal"

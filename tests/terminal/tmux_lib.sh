@@ -20,7 +20,7 @@ screen() { tm capture-pane -p -t t -S -200 2>/dev/null; }
 # Waits until the pane shows pattern (grep -E) count times.
 wait_for() {
   local pattern=$1 count=${2:-1}
-  for _ in $(seq 200); do
+  for _ in $(seq 600); do  # 30 s: a loaded machine can be slow to start a pane
     [ "$(screen | grep -cE -- "$pattern")" -ge "$count" ] && return 0
     sleep 0.05
   done
