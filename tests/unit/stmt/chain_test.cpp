@@ -14,32 +14,9 @@ namespace {
 
 using namespace stmt_test;
 
-class ChainRuns : public ::testing::Test {
+class ChainRuns : public ScratchFolder {
  protected:
-  void SetUp() override {
-    char tmpl[] = "/tmp/chain_XXXXXX";
-    ASSERT_NE(mkdtemp(tmpl), nullptr);
-    dir_ = tmpl;
-    ASSERT_NE(getcwd(old_, sizeof old_), nullptr);
-    ASSERT_EQ(chdir(dir_.c_str()), 0);
-  }
-  void TearDown() override {
-    EXPECT_EQ(chdir(old_), 0);
-    std::system(("rm -rf " + dir_).c_str());
-    ClearError();
-  }
   static void Write(const char* name, const char* text) { std::ofstream(name) << text; }
-  static int OpenDescriptors() {
-    int count = 0;
-    if (DIR* d = opendir("/proc/self/fd")) {
-      while (readdir(d)) ++count;
-      closedir(d);
-    }
-    return count;
-  }
-
-  std::string dir_;
-  char old_[4096];
 };
 
 TEST(Com, ListingsAndPlacement) {

@@ -13,32 +13,7 @@ namespace {
 
 using namespace stmt_test;
 
-// Runs in a scratch folder, so that the programs' relative names land there.
-class FileStatements : public ::testing::Test {
- protected:
-  void SetUp() override {
-    char tmpl[] = "/tmp/filestmt_XXXXXX";
-    ASSERT_NE(mkdtemp(tmpl), nullptr);
-    dir_ = tmpl;
-    ASSERT_NE(getcwd(old_, sizeof old_), nullptr);
-    ASSERT_EQ(chdir(dir_.c_str()), 0);
-  }
-  void TearDown() override {
-    EXPECT_EQ(chdir(old_), 0);
-    std::system(("rm -rf " + dir_).c_str());
-  }
-  static int OpenDescriptors() {
-    int count = 0;
-    if (DIR* d = opendir("/proc/self/fd")) {
-      while (readdir(d)) ++count;
-      closedir(d);
-    }
-    return count;
-  }
-
-  std::string dir_;
-  char old_[4096];
-};
+class FileStatements : public ScratchFolder {};
 
 // A file of 3 records of 5 words: two numbers fill 4 words, a third flows on.
 TEST_F(FileStatements, SerialWritingFlowsRecordByRecord) {

@@ -1,7 +1,9 @@
 // Builds small programs from numbered lines for statement tests, and reads
 // variables back after a run.
 #pragma once
+#include <dirent.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <initializer_list>
@@ -43,5 +45,34 @@ inline std::string Str(Program& prog, const char* name) {
   StringValue work;
   return std::string(var->Evaluate(work));
 }
+
+// Runs each test in a scratch folder, so that relative file names land there.
+class ScratchFolder : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char tmpl[] = "/tmp/basic_test_XXXXXX";
+    ASSERT_NE(mkdtemp(tmpl), nullptr);
+    dir_ = tmpl;
+    ASSERT_NE(getcwd(old_, sizeof old_), nullptr);
+    ASSERT_EQ(chdir(dir_.c_str()), 0);
+  }
+  void TearDown() override {
+    EXPECT_EQ(chdir(old_), 0);
+    std::system(("rm -rf " + dir_).c_str());
+    ClearError();
+  }
+  // Open descriptors of this process: a leak shows as a rising count.
+  static int OpenDescriptors() {
+    int count = 0;
+    if (DIR* d = opendir("/proc/self/fd")) {
+      while (readdir(d)) ++count;
+      closedir(d);
+    }
+    return count;
+  }
+
+  std::string dir_;
+  char old_[4096];
+};
 
 }  // namespace stmt_test
