@@ -149,23 +149,11 @@ class LetStmt final : public Statement {
   bool spelled_;
 };
 
-// The common case, one numeric target, stored without the list's calls and
-// loop: Target is NumericSimpleVar (stored inline) or any NumericVar, Value an
-// operand form of the expression (operands.h).
-template <typename Target, typename Value>
-class LetNumericStmt final : public Statement {
+// "[LET ]V=E" with one numeric target: what the one-target forms below share.
+template <typename Target>
+class LetOneNumericStmt : public Statement {
  public:
-  LetNumericStmt(bool spelled, std::unique_ptr<Target> target, NumericExpPtr exp)
-      : target_(std::move(target)),
-        exp_(std::move(exp)),
-        value_(LookThrough(exp_.get())),
-        spelled_(spelled) {}
-  Statement* Execute() override {
-    target_->Assign(value_.Get());
-    return successor_;
-  }
   TokenCode Code() const override { return tok::kLet; }
-  size_t Size() const override { return sizeof *this + target_->Size() + exp_->Size(); }
   void List(std::string& out) const override {
     if (spelled_) out += "LET ";
     target_->List(out);
@@ -173,26 +161,48 @@ class LetNumericStmt final : public Statement {
     exp_->List(out);
   }
 
- private:
+ protected:
+  LetOneNumericStmt(bool spelled, std::unique_ptr<Target> target, NumericExpPtr exp)
+      : target_(std::move(target)), exp_(std::move(exp)), spelled_(spelled) {}
+  // The parts' sizes; each form adds its own sizeof.
+  size_t PartsSize() const { return target_->Size() + exp_->Size(); }
+
   std::unique_ptr<Target> target_;
-  NumericExpPtr exp_;
-  Value value_;
+  NumericExpPtr exp_;  // owns the nodes the operand forms read
+
+ private:
   bool spelled_;
+};
+
+// The common case, one numeric target, stored without the list's calls and
+// loop: Target is NumericSimpleVar (stored inline) or any NumericVar, Value an
+// operand form of the expression (operands.h).
+template <typename Target, typename Value>
+class LetNumericStmt final : public LetOneNumericStmt<Target> {
+ public:
+  LetNumericStmt(bool spelled, std::unique_ptr<Target> target, NumericExpPtr exp)
+      : LetOneNumericStmt<Target>(spelled, std::move(target), std::move(exp)),
+        value_(LookThrough(this->exp_.get())) {}
+  size_t Size() const override { return sizeof *this + this->PartsSize(); }
+  Statement* Execute() override {
+    this->target_->Assign(value_.Get());
+    return this->successor_;
+  }
+
+ private:
+  Value value_;
 };
 
 // "V = V op E" for + - * /, the commonest counting and summing line: the
 // operation is done here, a node's virtual call fewer. V is read through the
 // expression's own node, so the order and the undefined check are the operator's.
 template <typename Op, typename Right>
-class LetUpdateStmt final : public Statement {
+class LetUpdateStmt final : public LetOneNumericStmt<NumericSimpleVar> {
  public:
   LetUpdateStmt(bool spelled, std::unique_ptr<NumericSimpleVar> target, NumericExpPtr exp,
                 NumericExp* var, Right right)
-      : target_(std::move(target)),
-        exp_(std::move(exp)),
-        var_(var),
-        right_(right),
-        spelled_(spelled) {}
+      : LetOneNumericStmt(spelled, std::move(target), std::move(exp)), var_(var), right_(right) {}
+  size_t Size() const override { return sizeof *this + PartsSize(); }
   Statement* Execute() override {
     if constexpr (Op::kRightFirst) {
       float right = right_.Get();
@@ -203,21 +213,10 @@ class LetUpdateStmt final : public Statement {
     }
     return successor_;
   }
-  TokenCode Code() const override { return tok::kLet; }
-  size_t Size() const override { return sizeof *this + target_->Size() + exp_->Size(); }
-  void List(std::string& out) const override {
-    if (spelled_) out += "LET ";
-    target_->List(out);
-    out += '=';
-    exp_->List(out);
-  }
 
  private:
-  std::unique_ptr<NumericSimpleVar> target_;
-  NumericExpPtr exp_;
   VarOperand var_;
   Right right_;
-  bool spelled_;
 };
 
 template <typename Op>
