@@ -91,13 +91,18 @@ class PrintSemiSpecGroup final : public PrintSpecGroup {
 };
 
 // Items written side by side; a blank keeps the listing from gluing two names.
+// A quoted literal before another literal would read back as one string, so
+// those two are listed with a semicolon, which prints the same.
 class PrintNoneSpecGroup final : public PrintSpecGroup {
  public:
   using PrintSpecGroup::PrintSpecGroup;
   void List(std::string& out) const override {
     left_->List(out);
-    out += ' ';
+    size_t at = out.size();
     right_->List(out);
+    bool joins =
+        at > 0 && out[at - 1] == '"' && at < out.size() && (out[at] == '"' || out[at] == '\'');
+    out.insert(at, 1, joins ? ';' : ' ');
   }
   int Kind() const override { return 0; }
   void Execute(PrintSink& out) override {

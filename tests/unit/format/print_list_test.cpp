@@ -81,6 +81,10 @@ TEST(PrintList, Listing) {
   EXPECT_EQ(ListingOf("PRINT"), "PRINT");
   EXPECT_EQ(ListingOf("print A;B$,\"x\";"), "PRINT A;B$,\"x\";");
   EXPECT_EQ(ListingOf("PRINT A B,"), "PRINT A B,");
+  // A literal ending in a code stands apart from the next one; listed with a
+  // blank, the two would read back joined.
+  EXPECT_EQ(ListingOf("PRINT X '91 \"AB\""), "PRINT X \"[\";\"AB\"");
+  EXPECT_EQ(ListingOf("PRINT '91 '7"), "PRINT \"[\";'7");
   EXPECT_EQ(ListingOf("PRINT TAB(5);SPA(A+1);LIN(-1)"), "PRINT TAB(5);SPA(A+1);LIN(-1)");
 }
 
