@@ -66,7 +66,12 @@ ErrorCode LinkPasses(Program& prog) {
 
 ErrorCode Link(Program& prog) {
   ErrorCode code = LinkPasses(prog);
-  if (code) prog.run.files.CloseAll();  // FILES may have opened some before the failure
+  if (code) {
+    prog.run.files.CloseAll();  // FILES may have opened some before the failure
+    // A DEF registered before the failure may hold call sites never bound: an
+    // immediate PRINT must not reach it.
+    prog.functions.clear();
+  }
   return code;
 }
 
