@@ -24,6 +24,8 @@ int AnsiColour(unsigned bits) {
 
 // Asks the terminal where its cursor is; false when it does not answer in time.
 bool QueryCursor(int inFd, int outFd, int* x, int* y) {
+  // A background job may neither change the modes nor read the answer.
+  if (!isatty(inFd) || !TerminalInForeground(inFd)) return false;
   termios saved;
   if (tcgetattr(inFd, &saved) != 0) return false;
   termios raw = saved;
@@ -75,7 +77,7 @@ class TerminalBackend final : public ConsoleBackend {
   void InitialCursor(int* x, int* y) override {
     *x = 0;
     *y = rows_ - 1;
-    if (isatty(STDIN_FILENO) && QueryCursor(STDIN_FILENO, fd_, x, y)) {
+    if (QueryCursor(STDIN_FILENO, fd_, x, y)) {
       if (*x >= cols_) *x = cols_ - 1;
       if (*y >= rows_) *y = rows_ - 1;
       tcx_ = *x;
@@ -89,7 +91,7 @@ class TerminalBackend final : public ConsoleBackend {
     movedSeen_ = seen;
     resizeSeen_ = ~resizeSeen_;  // the size may have changed as well
     int qx = 0, qy = rows_ - 1;
-    if (!isatty(STDIN_FILENO) || !QueryCursor(STDIN_FILENO, fd_, &qx, &qy)) return false;
+    if (!QueryCursor(STDIN_FILENO, fd_, &qx, &qy)) return false;
     *x = qx < cols_ ? qx : cols_ - 1;
     *y = qy < rows_ ? qy : rows_ - 1;
     tcx_ = *x;
@@ -164,6 +166,7 @@ class TerminalBackend final : public ConsoleBackend {
     if (visible == cursorShown_) return;
     cursorShown_ = visible;
     Append(visible ? "\x1b[?25h" : "\x1b[?25l");
+    NoteChanged();
   }
 
   void SetTitle(const char* title) override {
@@ -199,6 +202,7 @@ class TerminalBackend final : public ConsoleBackend {
     shownAttr_ = 0xFFFF;
     tcx_ = tcy_ = -1;
     if (!cursorShown_) Append("\x1b[?25l");
+    NoteChanged();
   }
 
   void MoveTo(int x, int y) {
@@ -212,8 +216,12 @@ class TerminalBackend final : public ConsoleBackend {
     tcy_ = y;
   }
 
+  // The exit resets colours and the cursor only when they differ from the start.
+  void NoteChanged() { SetTerminalOutputChanged(shownAttr_ != 0x07 || !cursorShown_); }
+
   void Sgr(uint16_t attr) {
     shownAttr_ = attr;
+    NoteChanged();
     if (attr == 0x07) {
       Append("\x1b[0m");  // the start-up colours are the terminal's own
       return;

@@ -14,7 +14,9 @@ int g_inFd = -1;
 int g_outFd = -1;
 termios g_saved;
 termios g_raw;
-volatile sig_atomic_t g_rawOn = 0;
+volatile sig_atomic_t g_rawOn = 0;          // a line is being read: raw keys wanted
+volatile sig_atomic_t g_modesChanged = 0;   // the terminal holds our raw modes now
+volatile sig_atomic_t g_outputChanged = 0;  // colours or cursor visibility differ from the start
 std::atomic<unsigned> g_continues{0};
 std::atomic<unsigned> g_resizes{0};
 
@@ -22,12 +24,26 @@ constexpr char kResetOutput[] = "\x1b[0m\x1b[?25h";
 // SIGTERM and SIGHUP are not here: they end the process through platform/signals.
 constexpr int kFatalSignals[] = {SIGQUIT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
+// A process outside the terminal's foreground group that sets its modes is stopped
+// by SIGTTOU: a background job leaves them to the job that owns the terminal.
+bool InForeground(int fd) { return tcgetpgrp(fd) == getpgrp(); }
+
+// Only what this process changed is put back, so a run that never read a key
+// (a file run, a piped run, a background job) leaves the terminal untouched.
 void Restore() {
-  if (g_outFd >= 0) {
+  if (g_outFd >= 0 && g_outputChanged) {
     ssize_t ignored = write(g_outFd, kResetOutput, sizeof kResetOutput - 1);
     (void)ignored;
+    g_outputChanged = 0;
   }
-  if (g_inFd >= 0) tcsetattr(g_inFd, TCSANOW, &g_saved);
+  if (g_inFd >= 0 && g_modesChanged && InForeground(g_inFd)) {
+    tcsetattr(g_inFd, TCSANOW, &g_saved);
+    g_modesChanged = 0;
+  }
+}
+
+void ApplyRaw() {
+  if (tcsetattr(g_inFd, TCSANOW, &g_raw) == 0) g_modesChanged = 1;
 }
 
 void OnFatal(int sig) {
@@ -56,7 +72,8 @@ void OnSuspend(int) {
 
 void OnContinue(int) {
   int saved = errno;
-  if (g_rawOn && g_inFd >= 0) tcsetattr(g_inFd, TCSANOW, &g_raw);
+  // Resumed by fg while a line is read: raw keys again. Resumed by bg: nothing yet.
+  if (g_rawOn && g_inFd >= 0 && InForeground(g_inFd)) ApplyRaw();
   g_continues.fetch_add(1, std::memory_order_relaxed);
   errno = saved;
 }
@@ -108,8 +125,16 @@ void RegisterTerminalOutput(int fd) {
 void SetRawInput(bool on) {
   if (g_inFd < 0) return;
   g_rawOn = on;
-  tcsetattr(g_inFd, TCSANOW, on ? &g_raw : &g_saved);
+  if (!InForeground(g_inFd)) return;  // a later fg applies it (OnContinue)
+  if (on)
+    ApplyRaw();
+  else if (g_modesChanged && tcsetattr(g_inFd, TCSANOW, &g_saved) == 0)
+    g_modesChanged = 0;
 }
+
+bool TerminalInForeground(int fd) { return InForeground(fd); }
+
+void SetTerminalOutputChanged(bool changed) { g_outputChanged = changed; }
 
 void RestoreTerminal() { Restore(); }
 

@@ -7,6 +7,10 @@ void RegisterTerminalInput(int fd);
 void RegisterTerminalOutput(int fd);
 // Switch the registered input between raw keys and the remembered modes.
 void SetRawInput(bool on);
+// True when this process may change fd's modes: its group is the terminal's foreground.
+bool TerminalInForeground(int fd);
+// The output shows colours or a hidden cursor that the exit must reset.
+void SetTerminalOutputChanged(bool changed);
 // Restores input modes, colours and cursor visibility; safe inside a signal handler.
 void RestoreTerminal();
 // Bumped on each resume after a suspend and on each window size change.
