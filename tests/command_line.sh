@@ -21,10 +21,12 @@ expect() {  # name expected-status expected-output command...
   fi
 }
 
-usage="Usage: basic [--classic] [<program file>]
+usage="Usage: basic [--classic] [--strict] [<program file>]
 Without a file, basic starts its interactive shell: type HELP there.
 With one, it loads, links and runs the program, then exits.
   --classic     A\$[s]=X gives A\$ the length s-1+LEN(X), as classic systems do
+  --strict      a run that fails, or a file that does not load, exits with
+                status 1 and writes its error report to standard error
   -h, --help    show this text
   --version     show the version
 See basic(1) for the shell commands, the line editor and the files."
@@ -46,6 +48,39 @@ Unable to open -x." "$basic" -x
 printf '10 A$="ABCDEFG"\n20 A$[3]="XY"\n30 PRINT A$;"|"\n' >"$work/classic.bas"
 expect "default substring store" 0 "ABXYE|" "$basic" "$work/classic.bas"
 expect "--classic substring store" 0 "ABXY|" "$basic" --classic "$work/classic.bas"
+
+# --classic with no file starts the shell with the switch on.
+banner="
+Velo Basic V0.94.0.154 for POSIX terminals
+Structured HP 2000 BASIC with graphics windows
+
+HELP is available
+
+READY
+"
+classic_shell() { printf 'CLASSIC\nBYE\n' | "$basic" "$@" | head -n 10; }
+expect "--classic shell" 0 "$banner
+CLASSIC
+Classic is ON" classic_shell --classic
+expect "shell without --classic" 0 "$banner
+CLASSIC
+Classic is OFF" classic_shell
+
+# --strict: status 1 and the report on standard error for a failed run, a bad line
+# and a missing file; a run that ends well, or by STOP, stays 0. Without it, 0.
+printf '10 PRINT "PARTIAL";\n20 X=Y\n' >"$work/fails.bas"
+printf '10 PRIN X\n' >"$work/bad.bas"
+printf '10 PRINT "FINE"\n20 STOP\n' >"$work/fine.bas"
+stdout_only() { "$@" 2>/dev/null; }
+stderr_only() { "$@" 2>&1 >/dev/null; }
+report='
+ERROR Undefined value accessed in statement number 20 in file "'"$work"'/fails.bas"'
+expect "--strict failed run: output" 1 "PARTIAL" stdout_only "$basic" --strict "$work/fails.bas"
+expect "--strict failed run: report" 1 "$report" stderr_only "$basic" --strict "$work/fails.bas"
+expect "failed run without --strict" 0 "PARTIAL$report" "$basic" "$work/fails.bas"
+expect "--strict bad line" 1 "" stdout_only "$basic" --strict "$work/bad.bas"
+expect "--strict missing file" 1 "" stdout_only "$basic" --strict "$work/none.bas"
+expect "--strict with --classic" 0 "FINE" "$basic" --strict --classic "$work/fine.bas"
 
 # A script made executable runs through /usr/bin/env; its line numbers are the file's.
 mkdir "$work/bin"

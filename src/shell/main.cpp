@@ -11,10 +11,12 @@
 namespace {
 
 constexpr const char* kUsage =
-    "Usage: basic [--classic] [<program file>]\n"
+    "Usage: basic [--classic] [--strict] [<program file>]\n"
     "Without a file, basic starts its interactive shell: type HELP there.\n"
     "With one, it loads, links and runs the program, then exits.\n"
     "  --classic     A$[s]=X gives A$ the length s-1+LEN(X), as classic systems do\n"
+    "  --strict      a run that fails, or a file that does not load, exits with\n"
+    "                status 1 and writes its error report to standard error\n"
     "  -h, --help    show this text\n"
     "  --version     show the version\n"
     "See basic(1) for the shell commands, the line editor and the files.\n";
@@ -22,8 +24,15 @@ constexpr const char* kUsage =
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc >= 2 && !std::strcmp(argv[1], "--classic")) {
-    g_classic = true;
+  // Options stand before the file name; anything else is the file, as it always was.
+  bool strict = false;
+  while (argc >= 2) {
+    if (!std::strcmp(argv[1], "--classic"))
+      g_classic = true;
+    else if (!std::strcmp(argv[1], "--strict"))
+      strict = true;
+    else
+      break;
     --argc;
     ++argv;
   }
@@ -44,7 +53,7 @@ int main(int argc, char** argv) {
     TheConsole().Write("\nUsage: Basic [<Src>]\n");
     status = -1;
   } else if (argc == 2) {
-    status = RunFile(argv[1]);
+    status = RunFile(argv[1], strict);
   } else {
     status = RunShell();
   }

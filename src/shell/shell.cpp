@@ -1,5 +1,7 @@
 #include "shell/shell.h"
 
+#include <unistd.h>
+
 #include <climits>
 #include <cstdlib>
 #include <ctime>
@@ -8,6 +10,8 @@
 
 #include "base/dialect.h"
 #include "console/console.h"
+#include "console/console_backend.h"
+#include "console/key_source.h"
 #include "console/line_history.h"
 #include "help/help_tree.h"
 #include "platform/break_flag.h"
@@ -513,28 +517,63 @@ int RunShell() {
   return status;
 }
 
-int RunFile(const char* path) {
-  Console& con = TheConsole();
+namespace {
+
+// Under --strict a failure's report goes to standard error: the console is swapped
+// for a stream on it while the report is written, after the program's own output.
+class ErrorStreamScope final {
+ public:
+  explicit ErrorStreamScope(bool active) {
+    if (!active) return;
+    TheConsole().Flush();
+    saved_ = InstallConsole(
+        std::make_unique<Console>(MakeStreamBackend(STDERR_FILENO), MakeStringInput("")));
+  }
+  ~ErrorStreamScope() {
+    if (!saved_) return;
+    TheConsole().Flush();
+    InstallConsole(std::move(saved_));
+  }
+  ErrorStreamScope(const ErrorStreamScope&) = delete;
+  ErrorStreamScope& operator=(const ErrorStreamScope&) = delete;
+
+ private:
+  std::unique_ptr<Console> saved_;
+};
+
+}  // namespace
+
+int RunFile(const char* path, bool strict) {
   SourceFile file;
   if (!file.Open(path, SourceFile::Kind::kAny)) {
+    ErrorStreamScope errors(strict);
     PrintBanner();
-    con.Printf("\nUnable to open %s.\n", path);
-    con.Flush();
-    return -1;
+    TheConsole().Printf("\nUnable to open %s.\n", path);
+    return strict ? 1 : -1;
   }
+  bool failed = true;
   try {
-    std::unique_ptr<Program> prog = LoadProgram(file, path, true);
+    std::unique_ptr<Program> prog;
+    {
+      ErrorStreamScope errors(strict);  // the load reports its bad lines
+      prog = LoadProgram(file, path, true);
+    }
     if (prog->BadLines() == 0 && (g_err.parse == 0 || g_err.parse == err::kEndOfFile)) {
       ErrorCode code = Link(*prog);
       if (!code) code = Run(*prog, false);
-      if (code) ReportRunError(true);
+      failed = code != 0;
+      if (code) {
+        ErrorStreamScope errors(strict);
+        ReportRunError(true);
+      }
     }
   } catch (const std::bad_alloc&) {
     ClearError();
     SetErrorFile(nullptr);
     SetRunError(err::kNoMemory);
+    ErrorStreamScope errors(strict);
     ReportRunError(true);
   }
-  con.Flush();
-  return 0;
+  TheConsole().Flush();
+  return strict && failed ? 1 : 0;
 }

@@ -6,7 +6,8 @@ inline constexpr char kProductName[] = "Velo Basic V0.94.0.154";
 
 // Reads and carries out lines until BYE; returns the process status.
 int RunShell();
-// Loads, links and runs one program file; returns the process status.
-int RunFile(const char* path);
+// Loads, links and runs one program file; returns the process status. Strict runs
+// end with status 1 when the program fails or does not load, the report on stderr.
+int RunFile(const char* path, bool strict);
 // The start-up banner.
 void PrintBanner();
