@@ -11,19 +11,23 @@ ARGS       ?=
 PREFIX     ?= /usr/local
 DESTDIR    ?=
 
-# Debian packages: what the build needs, and what the tests need.
+# Debian packages: what the interpreter needs to build and run (make run), and
+# what the tests add (make test). The first make run installs only the former.
 BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
 TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clang libclang-rt-14-dev
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps peers build unit e2e terminal gdi process asan fuzz bench docs install format clean
+.PHONY: all run test deps test-deps peers build build-tests checks unit e2e terminal gdi process asan \
+	fuzz bench docs install format clean
 
 all: build
 
-deps:
-	@missing=""; for p in $(BUILD_PKGS) $(TEST_PKGS) $(OPT_PKGS); do \
+# Installs (as root) or names the missing packages of the first list; a missing one
+# of the second list fails the target (the others only lose a feature or a test).
+define install_pkgs
+	@missing=""; for p in $(1); do \
 	  dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
 	if [ -n "$$missing" ]; then \
 	  if [ "$$(id -u)" = 0 ] && command -v apt-get >/dev/null; then \
@@ -33,28 +37,46 @@ deps:
 	  else \
 	    echo "Missing Debian packages:$$missing"; \
 	    echo "Install them with: sudo apt-get install$$missing"; \
-	    for p in $(BUILD_PKGS) libgtest-dev; do case " $$missing " in *" $$p "*) exit 1;; esac; done; \
+	    for p in $(2); do case " $$missing " in *" $$p "*) exit 1;; esac; done; \
 	  fi; \
 	fi
+endef
+
+deps:
+	$(call install_pkgs,$(BUILD_PKGS),g++ cmake make)
+
+test-deps:
+	$(call install_pkgs,$(BUILD_PKGS) $(TEST_PKGS) $(OPT_PKGS),g++ cmake make libgtest-dev)
 
 $(BUILD)/CMakeCache.txt:
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
 
+# The interpreter alone: what make run needs.
 build: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j$(JOBS) --target basic
+
+# Everything the tests run; configured again so that GoogleTest, installed after
+# a first make run, is found.
+build-tests: test-deps $(BUILD)/CMakeCache.txt
+	cmake -S . -B $(BUILD) >/dev/null
 	cmake --build $(BUILD) -j$(JOBS)
 
 run: build
 	$(BUILD)/basic $(ARGS)
 
-unit: build
+# Rules over the repository itself: tests end only their own processes.
+checks:
+	tests/checks/kill_by_id.sh
+
+unit: build-tests
 	cd $(BUILD) && ctest --output-on-failure
 
-e2e: build
+e2e: build-tests
 	tests/run_e2e.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
 	tests/examples.sh $(BUILD)/basic
 
-terminal: build
+terminal: build-tests
 	tests/terminal/editor_tmux.sh $(BUILD)/line_echo
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
 	tests/terminal/history_tmux.sh $(BUILD)/basic
@@ -62,16 +84,16 @@ terminal: build
 
 # The example programs' pictures, drawn headless, against their references;
 # real windows on an Xvfb server of the test's own.
-gdi: build
+gdi: build-tests
 	tests/gdi/examples.sh $(BUILD)
 	tests/gdi/window_xvfb.sh $(BUILD)
 
 # Signals, lost output, endless input and memory limits on the real process.
-process: build
+process: build-tests
 	tests/process/process_tests.sh $(BUILD)/basic
 
 # The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
-asan: deps
+asan: test-deps
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DBASIC_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
@@ -79,14 +101,14 @@ asan: deps
 	ASAN_OPTIONS=detect_leaks=1 tests/process/process_tests.sh $(ASAN_BUILD)/basic
 
 # libFuzzer targets (clang): the kept findings replayed, then FUZZ_SECONDS of each.
-fuzz: deps
+fuzz: test-deps
 	@command -v clang++ >/dev/null || { echo "SKIP fuzz: clang++ is not installed"; exit 0; }; \
 	cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
 	  -DBASIC_FUZZ=ON -DBASIC_TESTS=OFF >/dev/null && \
 	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets && \
 	tests/fuzz/run_fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
-test: unit e2e terminal gdi docs process asan fuzz
+test: checks unit e2e terminal gdi docs process asan fuzz
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
@@ -102,7 +124,7 @@ peers:
 
 # Micro-benchmarks, then the benchmark programs against the other interpreters; the tables
 # go to bench/RESULTS.md. RUNS=n changes the number of runs per median (5).
-bench: deps peers
+bench: test-deps peers
 	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DBASIC_BENCH=ON
 	cmake --build build-bench -j$(JOBS)
 	build-bench/basic_bench
@@ -115,7 +137,7 @@ install: build
 	install -m 644 docs/basic.1 "$(DESTDIR)$(PREFIX)/share/man/man1/basic.1"
 
 # The manual page renders without a warning, and an install into a scratch folder has both files.
-docs: build
+docs: build-tests
 	@warnings=$$(groff -ww -man -z docs/basic.1 2>&1); \
 	  if [ -n "$$warnings" ]; then echo "$$warnings"; exit 1; fi
 	@dest=$$(mktemp -d); trap 'rm -rf "$$dest"' EXIT; \
