@@ -35,7 +35,17 @@ constexpr const char* kOperators[] = {
     "Any value that is not 0 counts as true.",
 };
 
-constexpr HelpLine kFormats{"Formats are yet to be determined."};
+constexpr const char* kFormats[] = {
+    "PRINT writes a number with a blank or '-' before it and a blank after:",
+    "    Whole numbers up to 999999 as digits: 7, -42, 40000.",
+    "    (from 32768 on with a '.' so that they read as floating values);",
+    "    larger ones to 6 digits with an exponent: 1.23457E+09.",
+    "    Others to 5 significant digits: 3.1416, -0.5, 1.2346E+05, 1E-07.",
+    "    NAN, INF and -INF where arithmetic made them.",
+    "',' moves to the next 15-column zone; lines fold at the WIDTH.",
+    "PRINT USING formats numbers and strings by an IMAGE: see HELP IMAGE.",
+    "CONVERT and DEC$ turn numbers into text; DEC and CONVERT read it back.",
+};
 
 constexpr const char* kNumerics[] = {
     "Numeric variables are always 32 bit floating point numbers.",
@@ -104,8 +114,11 @@ constexpr const char* kNotes[] = {
     "Programs that are numbered when loaded may be partially renumbered.",
     "Maximum statement number is 999999",
     "HP 2000 Basic is a subset of the Basic language implemented here.",
-    "File I/O statements are not complete and mostly do not function yet.",
-    "This application has not been completed and is available as-is.",
+    "Data files: CREATE, FILES or ASSIGN, then READ #, PRINT #, UPDATE #.",
+    "CHAIN runs another program; COM variables keep their values.",
+    "OPEN, EXTEND, SPAWN and SYSTEM are kept as text: HELP names the",
+    "statement to use instead. The classic switch (CLASSIC) follows",
+    "classic systems where they differ: see HELP CLASSIC.",
     "Memory has been sacrificed for fast execution and short development time.",
     "",
     "Up and Down recall the lines typed before, in this and earlier sessions.",
@@ -113,11 +126,11 @@ constexpr const char* kNotes[] = {
 };
 
 constexpr HelpText kIdentifiersText{kIdentifiers}, kOperatorsText{kOperators},
-    kNumericsText{kNumerics}, kStringsText{kStrings}, kConsoleText{kConsole},
-    kGraphicsText{kGraphics}, kNotesText{kNotes};
+    kFormatsText{kFormats}, kNumericsText{kNumerics}, kStringsText{kStrings},
+    kConsoleText{kConsole}, kGraphicsText{kGraphics}, kNotesText{kNotes};
 
 constexpr HelpEntry kGeneralEntries[] = {
-    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormats},
+    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormatsText},
     {"Numerics", &kNumericsText},       {"Strings", &kStringsText},     {"Console", &kConsoleText},
     {"Graphics", &kGraphicsText},       {"Notes", &kNotesText},
 };

@@ -4,8 +4,8 @@
 
 namespace {
 
-// Names a statement that this interpreter keeps only as text.
-#define KEPT_AS_TEXT(kw) kw " - Not available: the line is kept with \"Feature not supported\"."
+// A statement this interpreter keeps only as text, and what to use instead.
+#define KEPT_AS_TEXT(kw) kw " - Kept as text (\"Feature not supported\" when run)."
 
 constexpr const char* kAssign[] = {
     "ASSIGN <fileName>,<fileNumber>,<returnVar>[,<restriction>]",
@@ -102,7 +102,10 @@ constexpr const char* kEnter[] = {
     "gets the time taken, -256 when the time ran out, or minus the",
     "time for an answer of the wrong type. # gets the port number.",
 };
-constexpr HelpLine kExtend{KEPT_AS_TEXT("EXTEND")};
+constexpr const char* kExtend[] = {
+    KEPT_AS_TEXT("EXTEND"),
+    "To grow a data file, CREATE a larger one and copy the records.",
+};
 constexpr const char* kFiles[] = {
     "FILES <fileName>[,<fileNameList>]",
     "Names the data files 1 to 16 in order; * keeps a number for ASSIGN.",
@@ -207,7 +210,10 @@ constexpr const char* kOn[] = {
     "With ON END, a READ past the last DATA or file item goes there.",
     "With ON ERROR the run stops: \"Feature not supported\".",
 };
-constexpr HelpLine kOpen{KEPT_AS_TEXT("OPEN")};
+constexpr const char* kOpen[] = {
+    KEPT_AS_TEXT("OPEN"),
+    "Open data files with FILES or ASSIGN; make them with CREATE.",
+};
 constexpr const char* kPrint[] = {
     "PRINT [<printList>]",
     "<printList> ::= <printItem>[,<printItemList>][; | ,]",
@@ -258,9 +264,15 @@ constexpr const char* kSelect[] = {
     "Runs the first CASE whose items match, else CASE ELSE, then goes",
     "on after ENDSELECT.",
 };
-constexpr HelpLine kSpawn{KEPT_AS_TEXT("SPAWN")};
+constexpr const char* kSpawn[] = {
+    KEPT_AS_TEXT("SPAWN"),
+    "CHAIN runs another program in this one's place.",
+};
 constexpr HelpLine kStop{"STOP - Stop program"};
-constexpr HelpLine kSystem{KEPT_AS_TEXT("SYSTEM")};
+constexpr const char* kSystem[] = {
+    KEPT_AS_TEXT("SYSTEM"),
+    "END or STOP ends a program; BYE leaves the shell.",
+};
 constexpr HelpLine kUnlock{"UNLOCK #<fileNumber> - Accepted; files are not shared."};
 constexpr const char* kUntil[] = {
     "UNTIL <numericExp> - End of REPEAT/UNTIL clause.",
@@ -283,6 +295,7 @@ constexpr const char* kWindow[] = {
 
 #undef KEPT_AS_TEXT
 
+constexpr HelpText kExtendText{kExtend}, kOpenText{kOpen}, kSpawnText{kSpawn}, kSystemText{kSystem};
 constexpr HelpText kAdvanceText{kAdvance}, kCreateText{kCreate}, kPurgeText{kPurge};
 constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, kCloseText{kClose},
     kColorText{kColor}, kComText{kCom}, kConvertText{kConvert}, kDataText{kData}, kDefText{kDef},
@@ -301,17 +314,17 @@ constexpr HelpEntry kStatementEntries[] = {
     {"DATA", &kDataText},       {"DEF", &kDefText},         {"DIM", &kDimText},
     {"ELSE", &kElse},           {"END", &kEndText},         {"ENDIF", &kEndIf},
     {"ENDSELECT", &kEndSelect}, {"ENDWHILE", &kEndWhile},   {"ENTER", &kEnterText},
-    {"EXTEND", &kExtend},       {"FILES", &kFilesText},     {"FOR", &kForText},
+    {"EXTEND", &kExtendText},   {"FILES", &kFilesText},     {"FOR", &kForText},
     {"GOSUB", &kGosubText},     {"GOTO", &kGotoText},       {"HIDE", &kHideText},
     {"IF", &kIfText},           {"IMAGE", &kImageText},     {"INPUT", &kInputText},
     {"LET", &kLetText},         {"LINETO", &kLineToText},   {"LOCK", &kLock},
     {"LINPUT", &kLinputText},   {"MAT", &kMatText},         {"MOVETO", &kMoveToText},
     {"NEXT", &kNextText},       {"OFF", &kOffText},         {"ON", &kOnText},
-    {"OPEN", &kOpen},           {"PRINT", &kPrintText},     {"PURGE", &kPurgeText},
+    {"OPEN", &kOpenText},       {"PRINT", &kPrintText},     {"PURGE", &kPurgeText},
     {"READ", &kReadText},       {"REM", &kRemText},         {"REPEAT", &kRepeat},
     {"RESTORE", &kRestoreText}, {"RETURN", &kReturn},       {"SHOW", &kShowText},
-    {"SLEEP", &kSleepText},     {"SELECT", &kSelectText},   {"SPAWN", &kSpawn},
-    {"STOP", &kStop},           {"SYSTEM", &kSystem},       {"UNLOCK", &kUnlock},
+    {"SLEEP", &kSleepText},     {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},
+    {"STOP", &kStop},           {"SYSTEM", &kSystemText},   {"UNLOCK", &kUnlock},
     {"UNTIL", &kUntilText},     {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},
     {"WINDOW", &kWindowText},
 };

@@ -55,6 +55,16 @@ constexpr CommandRow kCommands[] = {
     {"HELP", kHelp}, {"CLS", kCls},   {"WIDTH", kWidth}, {"TEST", kTest}, {"CLASSIC", kClassic},
 };
 
+}  // namespace
+
+std::vector<std::string_view> CommandNames() {
+  std::vector<std::string_view> names;
+  for (const auto& row : kCommands) names.emplace_back(row.name);
+  return names;
+}
+
+namespace {
+
 unsigned CommandOf(std::string_view word) {
   for (const auto& row : kCommands)
     if (SameName(row.name, word)) return row.code;

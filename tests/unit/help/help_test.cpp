@@ -10,6 +10,7 @@
 
 #include "help/help_tree.h"
 #include "lex/keywords.h"
+#include "shell/shell.h"
 #include "test_program.h"
 
 namespace {
@@ -81,7 +82,9 @@ std::string Index(const HelpGroup& group) {
 TEST(HelpTree, IndexRowsOfSix) {
   EXPECT_EQ(Index(HelpCommands()),
             "    GET         SAVE        LIST        RUN         DEL         SCR         \n"
-            "    LEN         BYE         CLS         HELP        \n");
+            "    LEN         BYE         CLS         HELP        NEW         EXIT        \n"
+            "    QUIT        PRINT       DUMP        SYMS        LABELS      WIDTH       \n"
+            "    CLASSIC     \n");
   // A full last row starts no empty one.
   ASSERT_EQ(HelpFunctions().Entries().size() % 6, 0u);
   std::string index = Index(HelpFunctions());
@@ -135,6 +138,16 @@ TEST(HelpEntries, EveryKeywordHasOne) {
     EXPECT_TRUE(statements.count(e.name)) << e.name;
   for (const HelpEntry& e : HelpFunctions().Entries())
     EXPECT_TRUE(functions.count(e.name)) << e.name;
+}
+
+TEST(HelpEntries, EveryCommandHasOne) {
+  std::set<std::string> commands;
+  for (std::string_view name : CommandNames()) {
+    if (name == "TEST") continue;  // in the table, but answers "???" like an unknown word
+    commands.emplace(name);
+    EXPECT_NE(EntryOf(HelpCommands(), name), nullptr) << name;
+  }
+  for (const HelpEntry& e : HelpCommands().Entries()) EXPECT_TRUE(commands.count(e.name)) << e.name;
 }
 
 TEST(HelpEntries, SizesAndWidths) {

@@ -257,7 +257,7 @@ TEST_F(Loader, DumpAndLenFormats) {
 }
 
 TEST_F(Loader, MissingFileFromTheCommandLine) {
-  EXPECT_EQ(RunFile((dir_ / "none.bas").string().c_str()), -1);
+  EXPECT_EQ(RunFile((dir_ / "none.bas").string().c_str(), false), -1);
   EXPECT_EQ(out_.rfind("\nVelo Basic V0.94.0.154 ", 0), 0u);
   EXPECT_NE(Out().find("\n\nUnable to open " + (dir_ / "none.bas").string() + ".\n"),
             std::string::npos);
@@ -337,7 +337,7 @@ TEST_F(Loader, CommandLineRunsFromAPipe) {
   std::string text = "10 PRINT \"PIPED\"\n";
   ASSERT_EQ(write(fds[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
   close(fds[1]);
-  EXPECT_EQ(RunFile(("/dev/fd/" + std::to_string(fds[0])).c_str()), 0);
+  EXPECT_EQ(RunFile(("/dev/fd/" + std::to_string(fds[0])).c_str(), false), 0);
   close(fds[0]);
   EXPECT_EQ(Out(), "PIPED\n");
 }
