@@ -14,13 +14,14 @@ DESTDIR    ?=
 # Debian packages: what the interpreter needs to build and run (make run), and
 # what the tests add (make test). The first make run installs only the former.
 BUILD_PKGS := g++ cmake make libncurses-dev libsdl2-dev
-TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clang libclang-rt-14-dev
+TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clang libclang-rt-14-dev \
+              dpkg-dev lintian
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
 .PHONY: all run test deps test-deps peers build build-tests checks unit e2e terminal gdi process asan \
-	fuzz bench docs install format clean
+	fuzz bench docs install package package-test format clean
 
 all: build
 
@@ -108,7 +109,7 @@ fuzz: test-deps
 	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets && \
 	tests/fuzz/run_fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
-test: checks unit e2e terminal gdi docs process asan fuzz
+test: checks unit e2e terminal gdi docs package-test process asan fuzz
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
@@ -145,6 +146,17 @@ docs: build-tests
 	  test -x "$$dest/usr/bin/basic" && test -f "$$dest/usr/share/man/man1/basic.1" && \
 	  "$$dest/usr/bin/basic" --version >/dev/null && \
 	  echo "docs: manual page renders cleanly; install puts bin/basic and man1/basic.1"
+
+# The Debian package, named with the version: build/velo-basic_VERSION_ARCH.deb.
+package: build
+	cmake -S . -B $(BUILD) >/dev/null
+	cmake --build $(BUILD) -j$(JOBS) --target basic packed_docs
+	cd $(BUILD) && cpack -G DEB >/dev/null
+	@ls $(BUILD)/velo-basic_*.deb
+
+# The package unpacked and run on its own examples; lintian finds no error.
+package-test: test-deps package
+	tests/package/deb_test.sh $$(ls -t $(BUILD)/velo-basic_*.deb | head -n 1)
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
