@@ -65,9 +65,11 @@ build-tests: test-deps $(BUILD)/CMakeCache.txt
 run: build
 	$(BUILD)/basic $(ARGS)
 
-# Rules over the repository itself: tests end only their own processes.
+# Rules over the repository itself: tests end only their own processes, and make run
+# needs only the interpreter's packages.
 checks:
 	tests/checks/kill_by_id.sh
+	tests/checks/make_run.sh
 
 unit: build-tests
 	cd $(BUILD) && ctest --output-on-failure
