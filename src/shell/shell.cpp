@@ -559,6 +559,7 @@ int RunFile(const char* path, bool strict) {
     ErrorStreamScope errors(strict);
     PrintBanner();
     TheConsole().Printf("\nUnable to open %s.\n", path);
+    TheConsole().Flush();
     return strict ? 1 : -1;
   }
   bool failed = true;
