@@ -1,7 +1,7 @@
 // Parsing of built-in function calls: the keyword picks the argument shapes.
 #include "expr/function_nodes.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

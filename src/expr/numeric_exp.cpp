@@ -8,7 +8,7 @@
 #include "expr/operands.h"
 #include "expr/operators.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 void Appendf(std::string& out, const char* format, ...) {
   char buf[260];

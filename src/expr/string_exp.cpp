@@ -1,7 +1,7 @@
 #include "expr/string_exp.h"
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 int CompareStrings(std::string_view a, std::string_view b) {
   size_t n = std::min(a.size(), b.size());

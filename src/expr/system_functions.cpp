@@ -5,7 +5,7 @@
 #include "base/convert.h"
 #include "expr/function_nodes.h"
 #include "platform/system_clock.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "expr/function_nodes.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 // --- Parameter lists and definitions.
 

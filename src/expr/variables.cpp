@@ -7,7 +7,7 @@
 #include "base/dialect.h"
 #include "expr/operands.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "format/number_format.h"
 #include "lex/parse_attempt.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 void NewPrintLine(PrintSink& out) {
   out.Print('\r');

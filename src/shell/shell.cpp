@@ -12,9 +12,9 @@
 #include "help/help_tree.h"
 #include "platform/break_flag.h"
 #include "shell/history_file.h"
-#include "shell/loader.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/loader.h"
+#include "program/program.h"
+#include "program/run.h"
 #include "stmt/parsers.h"
 
 namespace {

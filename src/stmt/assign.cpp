@@ -5,7 +5,7 @@
 #include "expr/operands.h"
 #include "expr/operators.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

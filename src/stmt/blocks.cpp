@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

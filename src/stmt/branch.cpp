@@ -5,7 +5,7 @@
 
 #include "base/convert.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
 

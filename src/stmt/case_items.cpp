@@ -2,7 +2,7 @@
 
 #include "expr/operands.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

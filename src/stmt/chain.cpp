@@ -4,9 +4,9 @@
 
 #include "lex/keywords.h"
 #include "lex/parse_attempt.h"
-#include "shell/loader.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/loader.h"
+#include "program/program.h"
+#include "program/run.h"
 #include "stmt/parsers.h"
 
 namespace {

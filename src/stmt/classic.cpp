@@ -1,7 +1,7 @@
 // The spellings of old listings: GO TO and GO SUB in two words, and REM run
 // together with the remark (REMARK). They are read here and list in the house form.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 #include "stmt/simple_stmts.h"
 

@@ -7,7 +7,7 @@
 
 #include "format/number_format.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

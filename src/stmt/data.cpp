@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/data_reader.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"

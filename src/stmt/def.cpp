@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "expr/user_func.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

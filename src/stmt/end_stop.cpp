@@ -3,7 +3,7 @@
 #include "console/console.h"
 #include "lex/parse_attempt.h"
 #include "platform/signals.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include "base/convert.h"
 #include "console/console.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"

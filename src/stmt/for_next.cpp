@@ -1,6 +1,6 @@
 // FOR and NEXT: counted loops, linked once and run without a loop stack.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
 

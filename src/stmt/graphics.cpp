@@ -6,7 +6,7 @@
 #include "base/convert.h"
 #include "gdi/gdi.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

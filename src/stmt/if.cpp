@@ -1,6 +1,6 @@
 // IF in its three forms (jump, one statement, block) with ELSE and ENDIF.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
 

@@ -1,7 +1,7 @@
 // INPUT: typed values into a list of variables, with the classic re-type prompts.
 #include "console/console.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/input_loop.h"
 #include "stmt/input_scanner.h"
 #include "stmt/parsers.h"

@@ -1,7 +1,7 @@
 // LINPUT: one whole typed line, blanks, quotes and commas included, into a string.
 #include "console/console.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 #include "stmt/prompted.h"
 

@@ -1,7 +1,7 @@
 // ON <exp> GOTO/GOSUB/RESTORE, ON ERROR and OFF ERROR (the latter two are
 // accepted so that programs load and list, and refuse to run).
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
 

@@ -1,7 +1,7 @@
 // PRINT to the console: bare, or with a print list.
 #include "console/console.h"
 #include "format/print_list.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // given by a string expression, and the values it lays out.
 #include "console/console.h"
 #include "format/using_list.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

@@ -7,8 +7,8 @@
 
 #include "expr/call_frames.h"
 #include "lex/token.h"
-#include "stmt/file_units.h"
-#include "value/matrix.h"
+#include "files/file_units.h"
+#include "matrix/matrix.h"
 
 class Console;
 class DataStmt;

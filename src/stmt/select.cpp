@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/blocks.h"
 #include "stmt/case_items.h"
 #include "stmt/parsers.h"

@@ -1,6 +1,6 @@
 #include "stmt/simple_stmts.h"
 
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 StatementPtr ParseRem(Program& p) {

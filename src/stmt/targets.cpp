@@ -1,7 +1,7 @@
 #include "stmt/targets.h"
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // WHILE ... NEXT/ENDWHILE and REPEAT ... UNTIL: condition loops.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
 

@@ -7,8 +7,8 @@
 
 #include "fuzz_support.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 #include "stmt/input_scanner.h"
 
 namespace {

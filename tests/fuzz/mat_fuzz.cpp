@@ -9,8 +9,8 @@
 #include <string>
 
 #include "fuzz_support.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 

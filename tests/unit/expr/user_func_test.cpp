@@ -7,8 +7,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "shell/loader.h"
+#include "program/loader.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,7 +12,7 @@
 
 #include "console/console.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/simple_stmts.h"
 
 SourceFile::~SourceFile() {

@@ -1,4 +1,4 @@
-#include "value/matrix.h"
+#include "matrix/matrix.h"
 
 #include <algorithm>
 #include <cfloat>

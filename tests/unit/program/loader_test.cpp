@@ -1,6 +1,6 @@
 // Program files: the byte rules, renumbering on load, SAVE, and files that
 // are large or not BASIC at all. Files are made here, in a scratch folder.
-#include "shell/loader.h"
+#include "program/loader.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -17,8 +17,8 @@
 using namespace std::string_literals;
 
 #include "console/console.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 #include "shell/shell.h"
 #include "stmt/simple_stmts.h"
 

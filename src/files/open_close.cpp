@@ -6,7 +6,7 @@
 #include <cerrno>
 
 #include "expr/variables.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/parsers.h"
 
 namespace {

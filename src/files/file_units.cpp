@@ -1,4 +1,4 @@
-#include "stmt/file_units.h"
+#include "files/file_units.h"
 
 #include <sys/stat.h>
 

@@ -1,6 +1,6 @@
 // The data file layout: what CREATE writes, what a reader accepts, and how it
 // refuses damaged files without reading past what the file holds.
-#include "value/data_file.h"
+#include "files/data_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "console/console.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 // Counts heap allocations while enabled, to show that the run loop makes none.
 // malloc is interposed (operator new ends in it) where glibc allows that and no

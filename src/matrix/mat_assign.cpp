@@ -5,10 +5,10 @@
 
 #include "lex/parse_attempt.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
-#include "stmt/mat.h"
+#include "program/program.h"
+#include "matrix/mat.h"
 #include "stmt/parsers.h"
-#include "value/matrix.h"
+#include "matrix/matrix.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The matrix kernels and array reshaping behind MAT.
-#include "value/matrix.h"
+#include "matrix/matrix.h"
 
 #include <gtest/gtest.h>
 

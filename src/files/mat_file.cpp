@@ -2,9 +2,9 @@
 // by element in row-major order, serially or bound to one record as READ #
 // and PRINT # move.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
-#include "stmt/file_stmt.h"
-#include "stmt/mat.h"
+#include "program/program.h"
+#include "files/file_stmt.h"
+#include "matrix/mat.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
 

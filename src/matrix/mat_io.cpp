@@ -5,10 +5,10 @@
 #include "format/number_format.h"
 #include "format/print_list.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "stmt/data_reader.h"
 #include "stmt/input_loop.h"
-#include "stmt/mat.h"
+#include "matrix/mat.h"
 #include "stmt/parsers.h"
 
 // --- New bounds.

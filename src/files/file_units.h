@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "value/data_file.h"
+#include "files/data_file.h"
 
 class Statement;
 class Target;

@@ -1,4 +1,4 @@
-#include "shell/run.h"
+#include "program/run.h"
 
 #include <new>
 #include <unordered_set>
@@ -7,7 +7,7 @@
 #include "expr/random.h"
 #include "gdi/gdi.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #pragma once
 #include <string>
 
-#include "stmt/file_units.h"
+#include "files/file_units.h"
 #include "stmt/statement.h"
 
 class Program;

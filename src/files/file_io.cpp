@@ -2,8 +2,8 @@
 // UPDATE #, ADVANCE, LOCK and UNLOCK, and the ON END # / OFF END # branch.
 #include "base/convert.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
-#include "stmt/file_stmt.h"
+#include "program/program.h"
+#include "files/file_stmt.h"
 #include "stmt/parsers.h"
 #include "stmt/targets.h"
 

@@ -1,4 +1,4 @@
-#include "value/data_file.h"
+#include "files/data_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
