@@ -1,10 +1,10 @@
 // Reading and writing data files through their numbers: READ #, PRINT #,
 // UPDATE #, ADVANCE, LOCK and UNLOCK, and the ON END # / OFF END # branch.
 #include "base/convert.h"
-#include "lex/parse_attempt.h"
-#include "program/program.h"
+#include "files/file_parsers.h"
 #include "files/file_stmt.h"
-#include "stmt/parsers.h"
+#include "lex/parse_attempt.h"
+#include "stmt/stmt_context.h"
 #include "stmt/targets.h"
 
 FileUnit* UnitOf(FileUnits& units, NumericExp& number) {
@@ -52,7 +52,7 @@ FileUnit* FileStmt::Position(NumericExp* record, bool write, Statement** next) {
   return unit;
 }
 
-NumericExpPtr ParseFileNumber(Program& p) {
+NumericExpPtr ParseFileNumber(StmtContext& p) {
   if (!p.Accept(tok::kHash)) {
     SetParseError(err::kMissingFileNumber);
     return nullptr;
@@ -63,7 +63,8 @@ NumericExpPtr ParseFileNumber(Program& p) {
   return number;
 }
 
-bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record) {
+bool ParseFileRecord(StmtContext& p, bool recordAllowed, NumericExpPtr* number,
+                     NumericExpPtr* record) {
   if (!(*number = ParseFileNumber(p))) return false;
   if (!recordAllowed || !p.Accept(tok::kComma)) return true;
   ParseAttempt attempt(p);
@@ -74,7 +75,7 @@ bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, Nume
   return true;
 }
 
-bool ExpectSemicolon(Program& p) {
+bool ExpectSemicolon(StmtContext& p) {
   if (p.Accept(tok::kSemicolon)) return true;
   SetParseError(err::kMissingSemicolon);
   return false;
@@ -314,7 +315,7 @@ class OnEndFileStmt final : public Statement {
     out += " THEN ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     return !target_ || target_.Named() ? 0 : err::kUndefinedTarget;
   }
 
@@ -324,14 +325,14 @@ class OnEndFileStmt final : public Statement {
   TargetRef target_;  // empty for OFF END #
 };
 
-bool AtStatementEnd(Program& p) {
+bool AtStatementEnd(StmtContext& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
 }
 
 // Values separated by "," or ";"; a numeric reading is tried before a string
 // one, as PRINT items are. END may close a PRINT # list.
-bool ParseFileValues(Program& p, bool endAllowed, FileValues* values) {
+bool ParseFileValues(StmtContext& p, bool endAllowed, FileValues* values) {
   for (;;) {
     FileValue v{nullptr, nullptr, 0};
     ParseAttempt attempt(p);
@@ -357,7 +358,7 @@ bool ParseFileValues(Program& p, bool endAllowed, FileValues* values) {
   }
 }
 
-StatementPtr ParseFileValuesStmt(Program& p, bool isPrint) {
+StatementPtr ParseFileValuesStmt(StmtContext& p, bool isPrint) {
   NumericExpPtr number, record;
   if (!ParseFileRecord(p, isPrint, &number, &record)) return nullptr;
   FileValues values;
@@ -365,25 +366,25 @@ StatementPtr ParseFileValuesStmt(Program& p, bool isPrint) {
     if (!ExpectSemicolon(p) || !ParseFileValues(p, isPrint, &values)) return nullptr;
   }
   if (isPrint)
-    return std::make_unique<PrintFileStmt>(p.run.files, std::move(number), std::move(record),
+    return std::make_unique<PrintFileStmt>(*p.run.files, std::move(number), std::move(record),
                                            std::move(values));
   for (const FileValue& v : values)
     if (!v.number && !v.text) {
       SetParseError(err::kBadExpression);
       return nullptr;
     }
-  return std::make_unique<UpdateFileStmt>(p.run.files, std::move(number), std::move(values));
+  return std::make_unique<UpdateFileStmt>(*p.run.files, std::move(number), std::move(values));
 }
 
-StatementPtr ParseLockWord(Program& p, TokenCode keyword) {
+StatementPtr ParseLockWord(StmtContext& p, TokenCode keyword) {
   NumericExpPtr number = ParseFileNumber(p);
   if (!number) return nullptr;
-  return std::make_unique<LockStmt>(p.run.files, std::move(number), keyword);
+  return std::make_unique<LockStmt>(*p.run.files, std::move(number), keyword);
 }
 
 }  // namespace
 
-StatementPtr ParseReadFile(Program& p) {
+StatementPtr ParseReadFile(StmtContext& p) {
   NumericExpPtr number, record;
   if (!ParseFileRecord(p, true, &number, &record)) return nullptr;
   TargetList targets;
@@ -394,14 +395,14 @@ StatementPtr ParseReadFile(Program& p) {
       return nullptr;
     }
   }
-  return std::make_unique<ReadFileStmt>(p.run.files, std::move(number), std::move(record),
+  return std::make_unique<ReadFileStmt>(*p.run.files, std::move(number), std::move(record),
                                         std::move(targets));
 }
 
-StatementPtr ParsePrintFile(Program& p) { return ParseFileValuesStmt(p, true); }
-StatementPtr ParseUpdateFile(Program& p) { return ParseFileValuesStmt(p, false); }
+StatementPtr ParsePrintFile(StmtContext& p) { return ParseFileValuesStmt(p, true); }
+StatementPtr ParseUpdateFile(StmtContext& p) { return ParseFileValuesStmt(p, false); }
 
-StatementPtr ParseAdvance(Program& p) {
+StatementPtr ParseAdvance(StmtContext& p) {
   NumericExpPtr number = ParseFileNumber(p);
   if (!number || !ExpectSemicolon(p)) return nullptr;
   NumericExpPtr count = ParseNumericExp(p);
@@ -418,23 +419,23 @@ StatementPtr ParseAdvance(Program& p) {
     if (!g_err.parse) SetParseError(err::kBadNumericVar);
     return nullptr;
   }
-  return std::make_unique<AdvanceStmt>(p.run.files, std::move(number), std::move(count),
+  return std::make_unique<AdvanceStmt>(*p.run.files, std::move(number), std::move(count),
                                        std::move(left));
 }
 
-StatementPtr ParseLock(Program& p) { return ParseLockWord(p, tok::kLock); }
-StatementPtr ParseUnlock(Program& p) { return ParseLockWord(p, tok::kUnlock); }
+StatementPtr ParseLock(StmtContext& p) { return ParseLockWord(p, tok::kLock); }
+StatementPtr ParseUnlock(StmtContext& p) { return ParseLockWord(p, tok::kUnlock); }
 
-StatementPtr ParseOnEndFile(Program& p) {
+StatementPtr ParseOnEndFile(StmtContext& p) {
   NumericExpPtr number = ParseFileNumber(p);
   if (!number) return nullptr;
   TargetRef target = ParseThenTarget(p);
   if (!target) return nullptr;
-  return std::make_unique<OnEndFileStmt>(p.run.files, std::move(number), std::move(target));
+  return std::make_unique<OnEndFileStmt>(*p.run.files, std::move(number), std::move(target));
 }
 
-StatementPtr ParseOffEndFile(Program& p) {
+StatementPtr ParseOffEndFile(StmtContext& p) {
   NumericExpPtr number = ParseFileNumber(p);
   if (!number) return nullptr;
-  return std::make_unique<OnEndFileStmt>(p.run.files, std::move(number), TargetRef());
+  return std::make_unique<OnEndFileStmt>(*p.run.files, std::move(number), TargetRef());
 }

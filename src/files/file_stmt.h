@@ -3,10 +3,11 @@
 #pragma once
 #include <string>
 
+#include "expr/numeric_exp.h"
 #include "files/file_units.h"
 #include "stmt/statement.h"
 
-class Program;
+class StmtContext;
 
 // The open unit a file number expression names; null with the error set.
 FileUnit* UnitOf(FileUnits& units, NumericExp& number);
@@ -15,11 +16,12 @@ void ListFileRecord(std::string& out, const char* keyword, const NumericExpPtr& 
                     const NumericExpPtr& record);
 
 // "#" and the file number expression; kMissingFileNumber when either is missing.
-NumericExpPtr ParseFileNumber(Program& p);
+NumericExpPtr ParseFileNumber(StmtContext& p);
 // "#n" and, when allowed, ",r"; kMissingRecordNumber for a "," without one.
-bool ParseFileRecord(Program& p, bool recordAllowed, NumericExpPtr* number, NumericExpPtr* record);
+bool ParseFileRecord(StmtContext& p, bool recordAllowed, NumericExpPtr* number,
+                     NumericExpPtr* record);
 // ";" before a list; kMissingSemicolon when it is missing.
-bool ExpectSemicolon(Program& p);
+bool ExpectSemicolon(StmtContext& p);
 
 // A statement on one file number: the end of the file goes to the ON END #
 // target, or fails with "End-of-file".

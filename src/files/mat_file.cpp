@@ -1,11 +1,11 @@
 // MAT READ # and MAT PRINT #: whole arrays from and to a data file, element
 // by element in row-major order, serially or bound to one record as READ #
 // and PRINT # move.
-#include "lex/parse_attempt.h"
-#include "program/program.h"
+#include "files/file_parsers.h"
 #include "files/file_stmt.h"
+#include "lex/parse_attempt.h"
 #include "matrix/mat.h"
-#include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 #include "stmt/targets.h"
 
 namespace {
@@ -145,16 +145,16 @@ class MatPrintFileStmt final : public FileStmt {
 
 }  // namespace
 
-StatementPtr ParseMatReadFile(Program& p) {
+StatementPtr ParseMatReadFile(StmtContext& p) {
   NumericExpPtr number, record;
   if (!ParseFileRecord(p, true, &number, &record) || !ExpectSemicolon(p)) return nullptr;
   MatArrayList arrays;
   if (!ParseMatArrayList(p, &arrays)) return nullptr;
-  return std::make_unique<MatReadFileStmt>(p.run.files, std::move(number), std::move(record),
+  return std::make_unique<MatReadFileStmt>(*p.run.files, std::move(number), std::move(record),
                                            std::move(arrays));
 }
 
-StatementPtr ParseMatPrintFile(Program& p) {
+StatementPtr ParseMatPrintFile(StmtContext& p) {
   NumericExpPtr number, record;
   if (!ParseFileRecord(p, true, &number, &record) || !ExpectSemicolon(p)) return nullptr;
   // "," or ";" between the arrays: a file keeps no layout, so both list as ",".
@@ -164,6 +164,6 @@ StatementPtr ParseMatPrintFile(Program& p) {
     if (!array) return nullptr;
     arrays.push_back(std::move(array));
   } while (p.Accept(tok::kComma) || p.Accept(tok::kSemicolon));
-  return std::make_unique<MatPrintFileStmt>(p.run.files, std::move(number), std::move(record),
+  return std::make_unique<MatPrintFileStmt>(*p.run.files, std::move(number), std::move(record),
                                             std::move(arrays));
 }

@@ -6,8 +6,9 @@
 #include <cerrno>
 
 #include "expr/variables.h"
-#include "program/program.h"
-#include "stmt/parsers.h"
+#include "files/file_parsers.h"
+#include "files/file_units.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ class FilesStmt final : public Statement {
     }
   }
   bool IsExecutable() const override { return false; }
-  ErrorCode Check(Program&) override {
+  ErrorCode Check(StmtContext&) override {
     for (const FilesName& name : names_) {
       if (units_.declared >= FileUnits::kUnits) return Raise(err::kBadFileNumber, Location());
       FileUnit& unit = units_[units_.declared++];
@@ -260,7 +261,7 @@ class CloseFileStmt final : public Statement {
 
 // A FILES name: "*", a string literal, or the raw text up to the next "," or
 // the end of the statement, so that FILES DATA1,BOOKS/X.DAT read as written.
-bool ParseFilesName(Program& p, std::vector<FilesName>* names) {
+bool ParseFilesName(StmtContext& p, std::vector<FilesName>* names) {
   TokenCode code = p.GetToken();
   if (code == tok::kStar || code == tok::kString) {
     names->push_back({std::string(code == tok::kStar ? "*" : p.Text()), code == tok::kString});
@@ -287,25 +288,25 @@ bool ParseFilesName(Program& p, std::vector<FilesName>* names) {
 }
 
 // The next "," of an argument list; 40 when it is missing.
-bool ExpectComma(Program& p) {
+bool ExpectComma(StmtContext& p) {
   if (p.Accept(tok::kComma)) return true;
   SetParseError(err::kMissingDelimiter);
   return false;
 }
 
-NumericExpPtr ExpectNumber(Program& p) {
+NumericExpPtr ExpectNumber(StmtContext& p) {
   NumericExpPtr e = ParseNumericExp(p);
   if (!e && !g_err.parse) SetParseError(err::kBadNumericExp);
   return e;
 }
 
-StringExpPtr ExpectString(Program& p) {
+StringExpPtr ExpectString(StmtContext& p) {
   StringExpPtr e = ParseStringExp(p);
   if (!e && !g_err.parse) SetParseError(err::kBadStringExp);
   return e;
 }
 
-std::unique_ptr<NumericVar> ExpectStatusVar(Program& p) {
+std::unique_ptr<NumericVar> ExpectStatusVar(StmtContext& p) {
   auto var = ParseNumericVar(p);
   if (!var && !g_err.parse) SetParseError(err::kBadNumericVar);
   return var;
@@ -313,15 +314,15 @@ std::unique_ptr<NumericVar> ExpectStatusVar(Program& p) {
 
 }  // namespace
 
-StatementPtr ParseFiles(Program& p) {
+StatementPtr ParseFiles(StmtContext& p) {
   std::vector<FilesName> names;
   do {
     if (!ParseFilesName(p, &names)) return nullptr;
   } while (p.Accept(tok::kComma));
-  return std::make_unique<FilesStmt>(p.run.files, std::move(names));
+  return std::make_unique<FilesStmt>(*p.run.files, std::move(names));
 }
 
-StatementPtr ParseAssign(Program& p) {
+StatementPtr ParseAssign(StmtContext& p) {
   StringExpPtr name;
   if (!p.Accept(tok::kStar) && !(name = ExpectString(p))) return nullptr;
   if (!ExpectComma(p)) return nullptr;
@@ -338,11 +339,11 @@ StatementPtr ParseAssign(Program& p) {
       return nullptr;
     }
   }
-  return std::make_unique<AssignStmt>(p.run.files, std::move(name), std::move(number),
+  return std::make_unique<AssignStmt>(*p.run.files, std::move(name), std::move(number),
                                       std::move(status), restriction);
 }
 
-StatementPtr ParseCreate(Program& p) {
+StatementPtr ParseCreate(StmtContext& p) {
   auto status = ExpectStatusVar(p);
   if (!status || !ExpectComma(p)) return nullptr;
   StringExpPtr name = ExpectString(p);
@@ -355,15 +356,15 @@ StatementPtr ParseCreate(Program& p) {
                                       std::move(words));
 }
 
-StatementPtr ParsePurge(Program& p) {
+StatementPtr ParsePurge(StmtContext& p) {
   auto status = ExpectStatusVar(p);
   if (!status || !ExpectComma(p)) return nullptr;
   StringExpPtr name = ExpectString(p);
   if (!name) return nullptr;
-  return std::make_unique<PurgeStmt>(p.run.files, std::move(status), std::move(name));
+  return std::make_unique<PurgeStmt>(*p.run.files, std::move(status), std::move(name));
 }
 
-StatementPtr ParseCloseFile(Program& p) {
+StatementPtr ParseCloseFile(StmtContext& p) {
   if (!p.Accept(tok::kHash)) {
     SetParseError(err::kMissingFileNumber);
     return nullptr;
@@ -373,5 +374,5 @@ StatementPtr ParseCloseFile(Program& p) {
     if (!g_err.parse) SetParseError(err::kMissingFileNumber);
     return nullptr;
   }
-  return std::make_unique<CloseFileStmt>(p.run.files, std::move(number));
+  return std::make_unique<CloseFileStmt>(*p.run.files, std::move(number));
 }

@@ -20,7 +20,7 @@ class NewBounds final {
 
   // Parses the bounds if a bracket follows: true with *out set, or with *out
   // null when none follows; false with the parse error set when they are malformed.
-  static bool Parse(Program& prog, std::unique_ptr<NewBounds>* out);
+  static bool Parse(StmtContext& prog, std::unique_ptr<NewBounds>* out);
   size_t Size() const;
   void List(std::string& out) const;
   // The evaluated bounds; kArgOutOfRange for one that is no count from 1 to the element limit.
@@ -76,9 +76,9 @@ using MatArrayList = std::vector<MatArrayPtr>;
 
 // An array name, numeric or string, and new bounds when allowed; null with
 // the parse error set (22 when no array name is there).
-MatArrayPtr ParseMatArray(Program& prog, bool withBounds);
+MatArrayPtr ParseMatArray(StmtContext& prog, bool withBounds);
 // Arrays separated by ",", each with optional new bounds; false with the parse error set.
-bool ParseMatArrayList(Program& prog, MatArrayList* out);
+bool ParseMatArrayList(StmtContext& prog, MatArrayList* out);
 
 // Where MAT READ takes its values.
 class ValueSource {
@@ -94,7 +94,10 @@ class ValueSource {
 // first error stops the read with the elements read so far kept.
 ErrorCode ReadArrays(const MatArrayList& arrays, ValueSource& source);
 
+// MAT (keyword consumed) in mat_assign.cpp: the assignments, and READ, INPUT
+// and PRINT from mat_io.cpp; MAT READ # and MAT PRINT # are data-file statements.
+StatementPtr ParseMat(StmtContext& prog);
 // After MAT: READ, INPUT and PRINT (keyword consumed) in mat_io.cpp.
-StatementPtr ParseMatRead(Program& prog);
-StatementPtr ParseMatInput(Program& prog);
-StatementPtr ParseMatPrint(Program& prog);
+StatementPtr ParseMatRead(StmtContext& prog);
+StatementPtr ParseMatInput(StmtContext& prog);
+StatementPtr ParseMatPrint(StmtContext& prog);

@@ -4,11 +4,10 @@
 #include <algorithm>
 
 #include "lex/parse_attempt.h"
-#include "platform/break_flag.h"
-#include "program/program.h"
 #include "matrix/mat.h"
-#include "stmt/parsers.h"
 #include "matrix/matrix.h"
+#include "platform/break_flag.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -330,14 +329,14 @@ class MatStringCopyStmt final : public MatStringAssignBase {
 using NumericMatrixPtr = std::unique_ptr<NumericMatrixVar>;
 
 // The array after an operator or inside TRN( ) and INV( ): 22 when missing.
-NumericMatrixPtr RequireMatrix(Program& p) {
+NumericMatrixPtr RequireMatrix(StmtContext& p) {
   NumericMatrixPtr var = ParseNumericMatrix(p);
   if (!var) SetParseError(err::kBadMatrixVar);
   return var;
 }
 
 // What follows "MAT A=" for a numeric target; null with the parse error set.
-StatementPtr ParseNumericValue(Program& p, NumericMatrixPtr target) {
+StatementPtr ParseNumericValue(StmtContext& p, NumericMatrixPtr target) {
   TokenCode code = p.GetToken();
   switch (code) {
     case tok::kZer:
@@ -353,7 +352,7 @@ StatementPtr ParseNumericValue(Program& p, NumericMatrixPtr target) {
       NumericMatrixPtr source = RequireMatrix(p);
       if (!source || !p.Accept(tok::kRParen)) return nullptr;
       return std::make_unique<MatFunctionStmt>(std::move(target), code, std::move(source),
-                                               p.run.matrix);
+                                               *p.run.matrix);
     }
     case tok::kLParen: {
       NumericExpPtr factor = ParseNumericExp(p);
@@ -378,11 +377,11 @@ StatementPtr ParseNumericValue(Program& p, NumericMatrixPtr target) {
   if (!right) return nullptr;
   if (op == tok::kStar)
     return std::make_unique<MatProductStmt>(std::move(target), std::move(left), std::move(right),
-                                            p.run.matrix);
+                                            *p.run.matrix);
   return std::make_unique<MatSumStmt>(std::move(target), std::move(left), op, std::move(right));
 }
 
-StatementPtr ParseStringValue(Program& p, std::unique_ptr<StringMatrixVar> target) {
+StatementPtr ParseStringValue(StmtContext& p, std::unique_ptr<StringMatrixVar> target) {
   if (p.Accept(tok::kZer)) {
     NewBoundsPtr bounds;
     if (!NewBounds::Parse(p, &bounds)) return nullptr;
@@ -395,11 +394,10 @@ StatementPtr ParseStringValue(Program& p, std::unique_ptr<StringMatrixVar> targe
 
 }  // namespace
 
-StatementPtr ParseMat(Program& p) {
-  if (p.Accept(tok::kRead)) return p.Peek() == tok::kHash ? ParseMatReadFile(p) : ParseMatRead(p);
+StatementPtr ParseMat(StmtContext& p) {
+  if (p.Accept(tok::kRead)) return ParseMatRead(p);
   if (p.Accept(tok::kInput)) return ParseMatInput(p);
-  if (p.Accept(tok::kPrint))
-    return p.Peek() == tok::kHash ? ParseMatPrintFile(p) : ParseMatPrint(p);
+  if (p.Accept(tok::kPrint)) return ParseMatPrint(p);
   ParseAttempt attempt(p);
   StatementPtr stmt;
   if (NumericMatrixPtr target = ParseNumericMatrix(p)) {

@@ -5,15 +5,14 @@
 #include "format/number_format.h"
 #include "format/print_list.h"
 #include "lex/parse_attempt.h"
-#include "program/program.h"
+#include "matrix/mat.h"
 #include "stmt/data_reader.h"
 #include "stmt/input_loop.h"
-#include "matrix/mat.h"
-#include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 // --- New bounds.
 
-bool NewBounds::Parse(Program& p, NewBoundsPtr* out) {
+bool NewBounds::Parse(StmtContext& p, NewBoundsPtr* out) {
   out->reset();
   ParseAttempt attempt(p);
   TokenCode open = p.GetToken();
@@ -304,14 +303,14 @@ class MatPrintStmt final : public Statement {
   std::vector<Item> items_;
 };
 
-bool AtStatementEnd(Program& p) {
+bool AtStatementEnd(StmtContext& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
 }
 
 }  // namespace
 
-MatArrayPtr ParseMatArray(Program& p, bool withBounds) {
+MatArrayPtr ParseMatArray(StmtContext& p, bool withBounds) {
   ParseAttempt attempt(p);
   NewBoundsPtr bounds;
   if (auto numeric = ParseNumericMatrix(p)) {
@@ -326,7 +325,7 @@ MatArrayPtr ParseMatArray(Program& p, bool withBounds) {
   return nullptr;
 }
 
-bool ParseMatArrayList(Program& p, MatArrayList* out) {
+bool ParseMatArrayList(StmtContext& p, MatArrayList* out) {
   do {
     MatArrayPtr array = ParseMatArray(p, true);
     if (!array) return false;
@@ -345,19 +344,19 @@ ErrorCode ReadArrays(const MatArrayList& arrays, ValueSource& source) {
   return 0;
 }
 
-StatementPtr ParseMatRead(Program& p) {
+StatementPtr ParseMatRead(StmtContext& p) {
   MatArrayList arrays;
   if (!ParseMatArrayList(p, &arrays)) return nullptr;
   return std::make_unique<MatReadStmt>(p.run.data, std::move(arrays));
 }
 
-StatementPtr ParseMatInput(Program& p) {
+StatementPtr ParseMatInput(StmtContext& p) {
   MatArrayList arrays;
   if (!ParseMatArrayList(p, &arrays)) return nullptr;
   return std::make_unique<MatInputStmt>(p.run, std::move(arrays));
 }
 
-StatementPtr ParseMatPrint(Program& p) {
+StatementPtr ParseMatPrint(StmtContext& p) {
   std::vector<MatPrintStmt::Item> items;
   do {
     MatArrayPtr array = ParseMatArray(p, false);

@@ -3,20 +3,15 @@
 #include <algorithm>
 
 #include "expr/numeric_exp.h"
+#include "files/file_functions.h"
 #include "lex/parse_attempt.h"
+#include "program/statement_table.h"
 #include "stmt/parsers.h"
 #include "stmt/simple_stmts.h"
 
-void TargetLabel::List(std::string& out) const {
-  if (IsName()) {
-    out += name_;
-    out += ':';
-  } else {
-    out += std::to_string(number_);
-  }
-}
-
 Program::Program(std::string name) : name_(std::move(name)) {
+  run.files = &files_;
+  run.matrix = &matrix_;
   SetParseError(0);
   endMark_ = statements_.Append(std::make_unique<EndMarkStmt>());
 }
@@ -111,7 +106,7 @@ void Program::Delete(Statement* stmt) {
 std::vector<StatementPtr> Program::ParseLine() {
   std::vector<StatementPtr> line;
   std::string_view raw = RawAfterCurrent();
-  Reference* lastRef = references_.Last();
+  Reference* lastRef = References().Last();
   ParseAttempt whole(*this);
   TokenCode code = GetToken();
   if (code == tok::kEndOfLine) {
@@ -166,7 +161,7 @@ std::vector<StatementPtr> Program::ParseLine() {
     line.push_back(std::make_unique<InvalidStmt>(raw, error));
     return line;
   }
-  for (Reference* r = lastRef ? lastRef->Next() : references_.First(); r; r = r->Next())
+  for (Reference* r = lastRef ? lastRef->Next() : References().First(); r; r = r->Next())
     r->owner = line.size() > 1 && line.front()->Label() ? line[1].get() : line.front().get();
   for (size_t i = 0; i < line.size(); ++i) {
     if (i + 1 < line.size()) line[i]->SetFlags(loc::kFollowed);
@@ -220,111 +215,6 @@ int Program::ListLine(std::string& out, const Statement* s, int indentWidth, int
   return depth;
 }
 
-// --- Statement references.
-
-TargetRef& TargetRef::operator=(TargetRef&& other) noexcept {
-  if (this != &other) {
-    if (target_) prog_->Release(target_);
-    prog_ = other.prog_;
-    target_ = other.target_;
-    other.target_ = nullptr;
-  }
-  return *this;
-}
-
-TargetRef::~TargetRef() {
-  if (target_) prog_->Release(target_);
-}
-
-Statement* TargetRef::Landing() const {
-  Statement* s = target_->resolved;
-  return s && !s->IsExecutable() ? s->NextExecutable() : s;
-}
-
-TargetRef ParseTarget(Program& p) {
-  ParseAttempt attempt(p);
-  TokenCode code = p.GetToken();
-  if (code == tok::kInteger) {
-    uint64_t value = 0;
-    for (char c : p.Text()) value = std::min<uint64_t>(value * 10 + (c - '0'), 1000000);
-    if (value >= 1 && value <= 999999)
-      return TargetRef(p, p.ReferNumber(static_cast<uint32_t>(value)));
-  } else if (tok::Category(code) == tok::kNumVar && code >= tok::kFirstCoded && p.Symbol()) {
-    std::string name(p.Text());
-    p.Accept(tok::kColon);
-    return TargetRef(p, p.ReferName(name));
-  }
-  attempt.Rewind();
-  return TargetRef();
-}
-
-TargetRef ParseThenTarget(Program& p) {
-  ParseAttempt attempt(p);
-  if (!p.Accept(tok::kThen)) {
-    attempt.Replace(err::kMissingDelimiter);
-    return TargetRef();
-  }
-  TargetRef target = ParseTarget(p);
-  if (!target) attempt.Replace(err::kBadStmtNumber);
-  return target;
-}
-
-namespace {
-std::string NameKey(std::string_view name) {
-  std::string key(name);
-  for (char& c : key)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  return key;
-}
-}  // namespace
-
-TargetLabel* Program::FindTarget(uint32_t number) const {
-  auto it = numberTargets_.find(number);
-  return number != 0 && it != numberTargets_.end() ? it->second : nullptr;
-}
-
-TargetLabel* Program::FindTarget(std::string_view name) const {
-  auto it = nameTargets_.find(NameKey(name));
-  return it != nameTargets_.end() ? it->second : nullptr;
-}
-
-TargetLabel* Program::ReferNumber(uint32_t number) {
-  TargetLabel*& target = numberTargets_[number];
-  if (!target) {
-    targets_.push_back(std::make_unique<TargetLabel>(number, ""));
-    target = targets_.back().get();
-  }
-  ++target->users;
-  return target;
-}
-
-TargetLabel* Program::ReferName(std::string_view name) {
-  TargetLabel*& target = nameTargets_[NameKey(name)];
-  if (!target) {
-    targets_.push_back(std::make_unique<TargetLabel>(0, std::string(name)));
-    target = targets_.back().get();
-  }
-  ++target->users;
-  return target;
-}
-
-// A target nobody refers to leaves the indexes at once and the table in
-// batches, so that deleting many jumps stays linear.
-void Program::Release(TargetLabel* target) {
-  if (!target || --target->users > 0) return;
-  if (target->IsName()) {
-    auto it = nameTargets_.find(NameKey(target->Name()));
-    if (it != nameTargets_.end() && it->second == target) nameTargets_.erase(it);
-  } else {
-    auto it = numberTargets_.find(target->Number());
-    if (it != numberTargets_.end() && it->second == target) numberTargets_.erase(it);
-  }
-  if (++deadTargets_ > 64 && deadTargets_ * 2 > targets_.size()) {
-    std::erase_if(targets_, [](const auto& t) { return t->users == 0; });
-    deadTargets_ = 0;
-  }
-}
-
 // Gives numbers to the unnumbered statements of a loaded program, stepping by
 // 10, 5 or less as the gap to the next numbered statement allows; when the gap
 // is too small, the statements after the run move up, their references with them.
@@ -374,9 +264,8 @@ bool Program::NumberUnnumbered() {
       }
       for (auto it = moves.rbegin(); it != moves.rend(); ++it) {
         if (TargetLabel* target = FindTarget(it->first->Number())) {
-          numberTargets_.erase(target->Number());
-          target->SetNumber(it->second);
-          numberTargets_[it->second] = target;
+          std::pair<TargetLabel*, uint32_t> move(target, it->second);
+          targets.Renumber({&move, 1});
         }
         it->first->SetNumber(it->second);
       }
@@ -404,85 +293,27 @@ bool Program::PullBelowLimit() {
     do s = s->Prev();
     while (s && s->Hidden());
   }
-  // Every old number leaves the index before a new one enters: they may overlap.
-  for (const auto& [target, n] : moves) numberTargets_.erase(target->Number());
-  for (const auto& [target, n] : moves) {
-    target->SetNumber(n);
-    numberTargets_[n] = target;
-  }
+  targets.Renumber(moves);
   return true;
 }
 
-// --- Storage.
+// --- Storage and the requests of statements and expressions.
 
 void Program::ClearStorage() {
-  numSimple_.clear();
-  numArrays_.clear();
-  strSimple_.clear();
-  strArrays_.clear();
+  variables.Clear();
   run.data = DataReader{};
-  run.files.CloseAll();
+  files_.CloseAll();
   run.frame = RunFrame{};
-  run.matrix = MatrixWork{};
+  matrix_ = MatrixWork{};
   common.clear();
   chained.reset();
   // DEF statements register again and call sites size the stacks again at each link.
   functions.clear();
-  run.calls.Clear();
+  calls.Clear();
 }
 
-namespace {
-template <typename T>
-std::unique_ptr<T>& Slot(std::vector<std::unique_ptr<T>>& heap, const VarToken* name) {
-  unsigned ordinal = name->Ordinal();
-  if (heap.size() <= ordinal) heap.resize(ordinal + 1);
-  return heap[ordinal];
-}
-}  // namespace
+StatementPtr Program::ParseAfterThen() { return ParseStatementAfterThen(*this); }
 
-NumericSimpleData* Program::NumericSimple(const VarToken* name) {
-  auto& slot = Slot(numSimple_, name);
-  if (!slot) slot = std::make_unique<NumericSimpleData>(NumericSimpleData{name});
-  return slot.get();
-}
-
-std::unique_ptr<NumericScriptData>& Program::NumericArray(const VarToken* name) {
-  return Slot(numArrays_, name);
-}
-
-StringSimpleData* Program::StringSimple(const VarToken* name) {
-  auto& slot = Slot(strSimple_, name);
-  if (!slot) slot = std::make_unique<StringSimpleData>(StringSimpleData{name, StringValue()});
-  return slot.get();
-}
-
-NumericSimpleData* Program::FindNumericSimple(const VarToken* name) const {
-  unsigned ordinal = name->Ordinal();
-  return ordinal < numSimple_.size() ? numSimple_[ordinal].get() : nullptr;
-}
-
-StringSimpleData* Program::FindStringSimple(const VarToken* name) const {
-  unsigned ordinal = name->Ordinal();
-  return ordinal < strSimple_.size() ? strSimple_[ordinal].get() : nullptr;
-}
-
-std::unique_ptr<StringScriptData>& Program::StringArray(const VarToken* name) {
-  return Slot(strArrays_, name);
-}
-
-size_t Program::HeapSize() const {
-  size_t size = 0;
-  for (const auto& d : numSimple_)
-    if (d) size += sizeof *d;
-  for (const auto& d : numArrays_)
-    if (d) size += sizeof *d + d->capacity * sizeof(float);
-  for (const auto& d : strSimple_)
-    if (d) size += sizeof *d + d->value.Capacity();
-  for (const auto& d : strArrays_)
-    if (d) {
-      size += sizeof *d;
-      for (uint32_t i = 0; i < d->capacity; ++i)
-        size += sizeof(StringValue) + d->elements[i].Capacity();
-    }
-  return size;
+NumericExpPtr Program::FileFunction(const KeyToken* key, NumericExpPtr arg) {
+  return MakeFileFunction(key, std::move(arg), files_, run.data);
 }

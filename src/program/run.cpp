@@ -48,7 +48,7 @@ ErrorCode LinkPasses(Program& prog) {
   for (Statement* s = prog.First(); s; s = s->Next())
     if (ErrorCode code = s->Resolve(prog)) return FailAt(code, s);
 
-  for (const auto& target : prog.Targets())
+  for (const auto& target : prog.targets.All())
     if (target->users && !target->resolved) return SetRunError(err::kUnresolvedTarget);
 
   for (Statement* s = prog.First(); s; s = s->Next())
@@ -67,7 +67,7 @@ ErrorCode LinkPasses(Program& prog) {
 ErrorCode Link(Program& prog) {
   ErrorCode code = LinkPasses(prog);
   if (code) {
-    prog.run.files.CloseAll();  // FILES may have opened some before the failure
+    prog.run.files->CloseAll();  // FILES may have opened some before the failure
     // A DEF registered before the failure may hold call sites never bound: an
     // immediate PRINT must not reach it.
     prog.functions.clear();
@@ -76,7 +76,7 @@ ErrorCode Link(Program& prog) {
 }
 
 void BindTargets(Program& prog) {
-  for (const auto& target : prog.Targets()) target->resolved = nullptr;
+  for (const auto& target : prog.targets.All()) target->resolved = nullptr;
   for (Statement* s = prog.First(); s; s = s->Next()) {
     if (uint32_t number = s->Number()) {
       TargetLabel* target = prog.FindTarget(number);
@@ -114,7 +114,7 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
             // CHAIN: the program left keeps no files; a chained one goes away.
             std::unique_ptr<Program> incoming = std::move(prog->chained);
             s = prog->chainStart;
-            run->files.CloseAll();
+            run->files->CloseAll();
             owned = std::move(incoming);
             prog = owned.get();
             run = &prog->run;
@@ -140,11 +140,11 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
     run->frame.failLocation = s->Location();
     SetErrorFile(fileName);
     Raise(err::kNoMemory, s->Location());
-    run->calls.Unwind();  // calls left mid-way
+    prog->calls.Unwind();  // calls left mid-way
     prog->chained.reset();
   }
   run->current = s;
-  run->files.CloseAll();
+  run->files->CloseAll();
   prog->chained.reset();  // a CHAIN that a break overtook
   con.RestoreDefaults();
   ErrorCode code = g_err.run;

@@ -1,5 +1,11 @@
-#include "program/program.h"
+#include "program/statement_table.h"
+
+#include <cstddef>
+
+#include "files/file_parsers.h"
+#include "matrix/mat.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -65,6 +71,31 @@ constexpr KeywordStmtRow kStatementTable[] = {
     {tok::kColor, ParseColor, 0},
 };
 
+// A data-file form: the keyword, and the word after it when there is one,
+// followed by "#". Taken with those words consumed, before the keyword's row.
+struct FileFormRow {
+  TokenCode keyword;
+  TokenCode second;  // 0: "#" follows the keyword itself
+  ParseRoutine parse;
+};
+
+constexpr FileFormRow kFileForms[] = {
+    {tok::kRead, 0, ParseReadFile},
+    {tok::kPrint, 0, ParsePrintFile},
+    {tok::kUpdate, 0, ParseUpdateFile},
+    {tok::kClose, 0, ParseCloseFile},
+    {tok::kMat, tok::kRead, ParseMatReadFile},
+    {tok::kMat, tok::kPrint, ParseMatPrintFile},
+    {tok::kOn, tok::kEnd, ParseOnEndFile},
+    {tok::kIf, tok::kEnd, ParseOnEndFile},
+    {tok::kOff, tok::kEnd, ParseOffEndFile},
+};
+
+std::nullptr_t RefuseAfterThen() {
+  if (!g_err.parse) SetParseError(err::kNotAfterThen);
+  return nullptr;
+}
+
 }  // namespace
 
 const KeywordStmtRow* StatementRowOf(TokenCode keyword) {
@@ -78,7 +109,7 @@ bool RefusedAfterThen(TokenCode keyword) {
   return row && (row->flags & (kBlock | kInert)) != 0;
 }
 
-StatementPtr ParseStatement(Program& p) {
+StatementPtr ParseStatement(StmtContext& p) {
   TokenCode code = p.GetToken();
   if (tok::Category(code) != tok::kStatement) {
     p.BackUp();
@@ -93,10 +124,29 @@ StatementPtr ParseStatement(Program& p) {
     SetParseError(error);
     return nullptr;
   }
-  const KeywordStmtRow* row = StatementRowOf(code);
+  return ParseKeywordStatement(p, code);
+}
+
+StatementPtr ParseKeywordStatement(StmtContext& p, TokenCode keyword) {
+  const KeywordStmtRow* row = StatementRowOf(keyword);
   if (!row || !row->parse) {
     SetParseError(err::kNotSupported);
     return nullptr;
   }
+  for (const FileFormRow& form : kFileForms) {
+    if (form.keyword != keyword) continue;
+    size_t mark = p.Mark();
+    if ((!form.second || p.Accept(form.second)) && p.Peek() == tok::kHash) return form.parse(p);
+    p.Restore(mark);
+  }
   return row->parse(p);
+}
+
+StatementPtr ParseStatementAfterThen(StmtContext& p) {
+  if (RefusedAfterThen(p.Peek())) return RefuseAfterThen();
+  StatementPtr stmt = ParseStatement(p);
+  if (!stmt) return nullptr;
+  // END IF, END WHILE and END SELECT start with END.
+  if (RefusedAfterThen(stmt->Code())) return RefuseAfterThen();
+  return stmt;
 }

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "base/errors.h"
-#include "files/file_units.h"
 #include "files/data_file.h"
+#include "files/file_units.h"
 
 namespace {
 

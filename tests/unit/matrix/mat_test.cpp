@@ -15,11 +15,12 @@ struct MatRun {
   }
   // The elements of a numeric array as the run left them, row-major.
   std::vector<float> Elements(const char* name) {
-    const auto& data = prog->NumericArray(prog->Table(tok::kNumArray).Find(name));
+    const auto& data = prog->variables.NumericArray(prog->Table(tok::kNumArray).Find(name));
     return std::vector<float>(data->elements.get(), data->elements.get() + data->count);
   }
   std::vector<uint32_t> Bounds(const char* name) {
-    auto bounds = prog->NumericArray(prog->Table(tok::kNumArray).Find(name))->dims.Bounds();
+    auto bounds =
+        prog->variables.NumericArray(prog->Table(tok::kNumArray).Find(name))->dims.Bounds();
     return {bounds.begin(), bounds.end()};
   }
   ConsoleCapture capture;

@@ -136,7 +136,7 @@ TEST(ProgramStore, LinkFailures) {
     // A target that no statement resolves and none reports: 63, no location.
     Program prog;
     Type(prog, "10 STOP");
-    TargetRef orphan(prog, prog.ReferNumber(99));
+    TargetRef orphan(prog.targets, prog.targets.ReferNumber(99));
     EXPECT_EQ(Link(prog), 63u);
     EXPECT_FALSE(HasLocation());
   }

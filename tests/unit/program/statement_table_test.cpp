@@ -1,12 +1,13 @@
 // The statement table against the scanner's keywords: a keyword without a row,
 // or a row whose routine is missing by accident, would turn every line that
 // uses it into "Feature not supported".
+#include "program/statement_table.h"
+
 #include <gtest/gtest.h>
 
 #include <set>
 
 #include "lex/keywords.h"
-#include "stmt/parsers.h"
 #include "test_program.h"
 
 namespace {

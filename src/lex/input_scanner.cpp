@@ -1,4 +1,4 @@
-#include "stmt/input_scanner.h"
+#include "lex/input_scanner.h"
 
 #include <cstdlib>
 
