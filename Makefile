@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian machine:
 #   make run    builds, then starts the interpreter (make run ARGS=prog.bas runs a program)
-#   make test   builds, then runs every test: unit, end-to-end, real terminal, process,
-#               sanitizers, and a short run of every fuzz target
+#   make test   builds, then runs every test: the layering of the sources, unit, end-to-end,
+#               real terminal, process, sanitizers, and a short run of every fuzz target
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
@@ -18,7 +18,7 @@ OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps peers build unit e2e terminal gdi process asan fuzz bench docs install format clean
+.PHONY: all run test deps peers build layers unit e2e terminal gdi process asan fuzz bench docs install format clean
 
 all: build
 
@@ -45,6 +45,10 @@ build: deps $(BUILD)/CMakeCache.txt
 
 run: build
 	$(BUILD)/basic $(ARGS)
+
+# Every #include goes to its own folder or a lower one (README, "Source layout").
+layers:
+	tools/layers.sh
 
 unit: build
 	cd $(BUILD) && ctest --output-on-failure
@@ -86,7 +90,7 @@ fuzz: deps
 	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets && \
 	tests/fuzz/run_fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
-test: unit e2e terminal gdi docs process asan fuzz
+test: layers unit e2e terminal gdi docs process asan fuzz
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
