@@ -47,4 +47,27 @@ TEST(StatementTable, UnsupportedKeywordsKeepTheirLine) {
   EXPECT_FALSE(RefusedAfterThen(tok::kMat));
 }
 
+// Every data-file form is reached by "#" wherever its keyword may start a
+// statement: at the start of a line and after THEN. A form missing from the
+// table would leave its lines bad ("#" is no variable), as it would the plain
+// forms if the table took them for file statements.
+TEST(StatementTable, DataFileFormsAtTheStartAndAfterThen) {
+  const char* forms[] = {"READ #1;A",     "PRINT #1;A",     "UPDATE #1;A",      "CLOSE #1",
+                         "MAT READ #1;A", "MAT PRINT #1;A", "ON END #1 THEN 9", "OFF END #1",
+                         "READ A",        "PRINT A",        "MAT READ A",       "MAT PRINT A",
+                         "ON END THEN 9", "OFF END",        "CLOSE @1"};
+  for (const char* form : forms) {
+    EXPECT_EQ(test_program::ParseErrorOf(form), 0u) << form;
+    EXPECT_EQ(test_program::ListingOf(form), form);
+    std::string then = std::string("IF X THEN ") + form;
+    EXPECT_EQ(test_program::ParseErrorOf(then.c_str()), 0u) << then;
+    EXPECT_EQ(test_program::ListingOf(then.c_str()), then);
+  }
+  EXPECT_EQ(test_program::ListingOf("IF END #1 THEN 9"), "ON END #1 THEN 9");
+  EXPECT_EQ(test_program::ListingOf("IF END THEN 9"), "ON END THEN 9");
+  // The statement after THEN keeps the refusals of the table's kinds.
+  EXPECT_EQ(test_program::ParseErrorOf("IF X THEN END IF"), err::kNotAfterThen);
+  EXPECT_EQ(test_program::ParseErrorOf("IF X THEN FILES A"), err::kNotAfterThen);
+}
+
 }  // namespace
