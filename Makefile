@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian machine:
 #   make run    builds, then starts the interpreter (make run ARGS=prog.bas runs a program)
-#   make test   builds, then runs every test: unit, end-to-end, real terminal, process,
-#               sanitizers, and a short run of every fuzz target
+#   make test   builds, then runs every test: the layering of the sources, unit, end-to-end,
+#               real terminal, process, sanitizers, and a short run of every fuzz target
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
@@ -20,8 +20,8 @@ OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
 
-.PHONY: all run test deps test-deps peers build build-tests checks unit e2e terminal gdi process asan \
-	fuzz bench docs install package package-test format clean
+.PHONY: all run test deps test-deps peers build build-tests checks layers unit e2e terminal gdi \
+	process asan fuzz bench docs install package package-test format clean
 
 all: build
 
@@ -65,9 +65,13 @@ build-tests: test-deps $(BUILD)/CMakeCache.txt
 run: build
 	$(BUILD)/basic $(ARGS)
 
-# Rules over the repository itself: tests end only their own processes, and make run
-# needs only the interpreter's packages.
-checks:
+# Every #include goes to its own folder or a lower one (README, "Source layout").
+layers:
+	tools/layers.sh
+
+# Rules over the repository itself: the layering, tests end only their own processes,
+# and make run needs only the interpreter's packages.
+checks: layers
 	tests/checks/kill_by_id.sh
 	tests/checks/make_run.sh
 

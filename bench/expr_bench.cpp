@@ -2,7 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include "expr/numeric_exp.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

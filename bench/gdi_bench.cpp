@@ -8,8 +8,8 @@
 #include <string>
 
 #include "gdi/gdi.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 

@@ -72,13 +72,14 @@ inline int32_t TruncInt(float x) {
 // Makes work hold text, which may already lie inside work; the copy ends in a NUL.
 std::string_view HoldIn(StringValue& work, std::string_view text);
 
-class Program;
+class ExprContext;
 
 // ABS to TAN, RND and PI; null for other codes.
 NumericExpPtr MakeMathFunction(const KeyToken* key, NumericExpPtr arg);
 NumericExpPtr MakePi(const KeyToken* key);
-// TID, VER, BRK, TIM, TYP and SYS; null for other codes.
-NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, Program& prog);
+// TID, VER, BRK, TIM and SYS, and TYP, REC and ITM through the context; null
+// for other codes.
+NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, ExprContext& prog);
 // DEC, LEN and NUM/ASC (second null) and POS.
 NumericExpPtr MakeStringArgFunction(const KeyToken* key, StringExpPtr first, StringExpPtr second);
 // UPS$, CHR$, DEC$, LEFT$, RIGHT$, MID$; count is null for the two-argument MID$.

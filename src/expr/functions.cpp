@@ -1,7 +1,7 @@
 // Parsing of built-in function calls: the keyword picks the argument shapes.
+#include "expr/expr_context.h"
 #include "expr/function_nodes.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ bool IsSystemFunction(TokenCode code) {
 
 }  // namespace
 
-NumericExpPtr ParseNumericFunction(Program& p) {
+NumericExpPtr ParseNumericFunction(ExprContext& p) {
   ParseAttempt call(p);
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
@@ -66,7 +66,7 @@ NumericExpPtr ParseNumericFunction(Program& p) {
   return node;
 }
 
-StringExpPtr ParseStringFunction(Program& p) {
+StringExpPtr ParseStringFunction(ExprContext& p) {
   ParseAttempt call(p);
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();

@@ -5,10 +5,10 @@
 #include <cstdlib>
 
 #include "base/convert.h"
+#include "expr/expr_context.h"
 #include "expr/operands.h"
 #include "expr/operators.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 void Appendf(std::string& out, const char* format, ...) {
   char buf[260];
@@ -260,13 +260,13 @@ NumericExpPtr Fold(NumericExpPtr left, NumericExpPtr right) {
   return MakeBinary<Op>(std::move(left), std::move(right));
 }
 
-NumericExpPtr ParseSubterm(Program& p);
-NumericExpPtr ParseRelation(Program& p);
-NumericExpPtr AndTail(Program& p, NumericExpPtr left);
-NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left);
-NumericExpPtr OrTail(Program& p, NumericExpPtr left);
+NumericExpPtr ParseSubterm(ExprContext& p);
+NumericExpPtr ParseRelation(ExprContext& p);
+NumericExpPtr AndTail(ExprContext& p, NumericExpPtr left);
+NumericExpPtr ExclusiveTail(ExprContext& p, NumericExpPtr left);
+NumericExpPtr OrTail(ExprContext& p, NumericExpPtr left);
 
-NumericExpPtr FactorTail(Program& p, NumericExpPtr left) {
+NumericExpPtr FactorTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
@@ -281,7 +281,7 @@ NumericExpPtr FactorTail(Program& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr TermTail(Program& p, NumericExpPtr left) {
+NumericExpPtr TermTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
@@ -309,7 +309,7 @@ NumericExpPtr TermTail(Program& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr SumTail(Program& p, NumericExpPtr left) {
+NumericExpPtr SumTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
@@ -326,14 +326,14 @@ NumericExpPtr SumTail(Program& p, NumericExpPtr left) {
 }
 
 // Subterm, term tail and sum tail: the operand of MIN, MAX and relations.
-NumericExpPtr ParseSumLevel(Program& p) {
+NumericExpPtr ParseSumLevel(ExprContext& p) {
   NumericExpPtr e = ParseSubterm(p);
   if (e) e = TermTail(p, std::move(e));
   if (e) e = SumTail(p, std::move(e));
   return e;
 }
 
-NumericExpPtr MinMaxTail(Program& p, NumericExpPtr left) {
+NumericExpPtr MinMaxTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
@@ -350,7 +350,7 @@ NumericExpPtr MinMaxTail(Program& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
+NumericExpPtr RelationTail(ExprContext& p, NumericExpPtr left) {
   ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (tok::Category(op) != tok::kRelation) {
@@ -387,7 +387,7 @@ NumericExpPtr RelationTail(Program& p, NumericExpPtr left) {
   return OrTail(p, std::move(left));
 }
 
-NumericExpPtr ParseRelation(Program& p) {
+NumericExpPtr ParseRelation(ExprContext& p) {
   ParseAttempt attempt(p);
   NumericExpPtr e = ParseSumLevel(p);
   if (e) e = MinMaxTail(p, std::move(e));
@@ -401,7 +401,7 @@ NumericExpPtr ParseRelation(Program& p) {
   return attempt.Fail(numericError);
 }
 
-NumericExpPtr AndTail(Program& p, NumericExpPtr left) {
+NumericExpPtr AndTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     if (!p.Accept(tok::kAnd)) return left;
@@ -411,7 +411,7 @@ NumericExpPtr AndTail(Program& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left) {
+NumericExpPtr ExclusiveTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     TokenCode op = p.GetToken();
@@ -431,7 +431,7 @@ NumericExpPtr ExclusiveTail(Program& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr OrTail(Program& p, NumericExpPtr left) {
+NumericExpPtr OrTail(ExprContext& p, NumericExpPtr left) {
   for (;;) {
     ParseAttempt attempt(p);
     if (!p.Accept(tok::kOr)) return left;
@@ -443,7 +443,7 @@ NumericExpPtr OrTail(Program& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr ParseSubterm(Program& p) {
+NumericExpPtr ParseSubterm(ExprContext& p) {
   ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (op != tok::kNot && op != tok::kMinus && op != tok::kPlus) p.BackUp();
@@ -497,7 +497,7 @@ OperandForm FormOf(NumericExp* node) {
   return OperandForm::kTree;
 }
 
-NumericExpPtr ParseNumericPrimary(Program& p) {
+NumericExpPtr ParseNumericPrimary(ExprContext& p) {
   float value;
   if (p.AcceptConstant(&value)) return std::make_unique<NumericLit>(value);
   switch (tok::Category(p.Peek())) {
@@ -521,7 +521,7 @@ NumericExpPtr ParseNumericPrimary(Program& p) {
 
 // Both entries give back every token they read when they fail, so that the
 // caller can try another reading from the same place.
-NumericExpPtr ParseNumericSum(Program& p) {
+NumericExpPtr ParseNumericSum(ExprContext& p) {
   ParseAttempt attempt(p);
   NumericExpPtr e = ParseSumLevel(p);
   if (e) e = MinMaxTail(p, std::move(e));
@@ -529,7 +529,7 @@ NumericExpPtr ParseNumericSum(Program& p) {
   return e;
 }
 
-NumericExpPtr ParseNumericExp(Program& p) {
+NumericExpPtr ParseNumericExp(ExprContext& p) {
   if (g_nesting > kMaxNesting || !p.SpendExpression()) {
     SetParseError(err::kBadNumericExp);
     return nullptr;

@@ -9,7 +9,7 @@
 
 #include "lex/token.h"
 
-class Program;
+class ExprContext;
 
 class NumericExp {
  public:
@@ -30,17 +30,17 @@ using NumericExpPtr = std::unique_ptr<NumericExp>;
 void Appendf(std::string& out, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // The full numeric grammar, with the string-comparison fallback at the relation level.
-NumericExpPtr ParseNumericExp(Program& prog);
+NumericExpPtr ParseNumericExp(ExprContext& prog);
 // A sum-level expression with MIN/MAX: no relations and no logical operators.
-NumericExpPtr ParseNumericSum(Program& prog);
+NumericExpPtr ParseNumericSum(ExprContext& prog);
 // One primary: constant, function call, variable or parenthesised expression.
-NumericExpPtr ParseNumericPrimary(Program& prog);
+NumericExpPtr ParseNumericPrimary(ExprContext& prog);
 
 // Built-in numeric function call (category tok::kNumFunc), or null without an error
 // when the next token is no such function.
-NumericExpPtr ParseNumericFunction(Program& prog);
+NumericExpPtr ParseNumericFunction(ExprContext& prog);
 // User numeric function call (category tok::kNumUserFn), or null.
-NumericExpPtr ParseNumericUserCall(Program& prog);
+NumericExpPtr ParseNumericUserCall(ExprContext& prog);
 
 // A numeric literal node, for parsers that build trees of their own.
 NumericExpPtr MakeNumericLit(float value);

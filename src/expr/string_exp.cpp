@@ -1,7 +1,7 @@
 #include "expr/string_exp.h"
 
+#include "expr/expr_context.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 int CompareStrings(std::string_view a, std::string_view b) {
   size_t n = std::min(a.size(), b.size());
@@ -123,7 +123,7 @@ class StringRelation final : public NumericExp {
   bool copyLeft_;  // a quiet right side cannot change what the left view shows
 };
 
-StringExpPtr ParseStringPrimary(Program& p) {
+StringExpPtr ParseStringPrimary(ExprContext& p) {
   TokenCode code = p.Peek();
   switch (tok::Category(code)) {
     case tok::kStrUserFn:
@@ -147,7 +147,7 @@ StringExpPtr ParseStringPrimary(Program& p) {
 
 StringExpPtr MakeStringLit(std::string_view text) { return std::make_unique<StringLit>(text); }
 
-StringExpPtr ParseStringExp(Program& p) {
+StringExpPtr ParseStringExp(ExprContext& p) {
   StringExpPtr left = ParseStringPrimary(p);
   if (!left) return nullptr;
   for (;;) {
@@ -159,7 +159,7 @@ StringExpPtr ParseStringExp(Program& p) {
   }
 }
 
-NumericExpPtr ParseStringRelationTail(Program& p, StringExpPtr left) {
+NumericExpPtr ParseStringRelationTail(ExprContext& p, StringExpPtr left) {
   ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (tok::Category(op) != tok::kRelation) return attempt.Fail();

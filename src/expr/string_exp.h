@@ -25,15 +25,15 @@ class StringExp {
 using StringExpPtr = std::unique_ptr<StringExp>;
 
 // A concatenation of string primaries.
-StringExpPtr ParseStringExp(Program& prog);
+StringExpPtr ParseStringExp(ExprContext& prog);
 // After a string expression: a relational operator and a second string
 // expression, giving a numeric 1/0 node; null (position restored) when absent.
-NumericExpPtr ParseStringRelationTail(Program& prog, StringExpPtr left);
+NumericExpPtr ParseStringRelationTail(ExprContext& prog, StringExpPtr left);
 
 // Built-in string function call (category tok::kStrFunc), or null without an error.
-StringExpPtr ParseStringFunction(Program& prog);
+StringExpPtr ParseStringFunction(ExprContext& prog);
 // User string function call (category tok::kStrUserFn), or null.
-StringExpPtr ParseStringUserCall(Program& prog);
+StringExpPtr ParseStringUserCall(ExprContext& prog);
 
 // A literal node, for parsers that build trees of their own.
 StringExpPtr MakeStringLit(std::string_view text);

@@ -1,11 +1,12 @@
-// Functions that read the system or the run state: TIM, VER, TYP, REC, ITM, TID, BRK, SYS.
+// Functions that read the system: TIM, VER, TID, BRK, SYS; TYP, REC and ITM are
+// made by the data files (files/file_functions.cpp) through the context.
 #include <chrono>
 #include <ctime>
 
 #include "base/convert.h"
+#include "expr/expr_context.h"
 #include "expr/function_nodes.h"
 #include "platform/system_clock.h"
-#include "shell/program.h"
 
 namespace {
 
@@ -106,47 +107,6 @@ class VerFunc final : public NumericArgFunc {
   }
 };
 
-class TypFunc final : public NumericArgFunc {
- public:
-  TypFunc(const KeyToken* key, NumericExpPtr arg, RunState& run)
-      : NumericArgFunc(key, std::move(arg)), run_(run) {}
-  size_t Size() const override { return sizeof *this + arg_->Size(); }
-  // 0 asks about DATA; n about file n, -n the same looking past end-of-record marks.
-  float Evaluate() override {
-    static constexpr float kNumber = 1, kString = 2, kNone = 3;
-    double n = conv::RoundHalfUp(arg_->Evaluate());
-    if (n != 0) {
-      FileUnit* unit = run_.files.OpenUnit(static_cast<float>(std::fabs(n)));
-      return unit ? unit->Type(n < 0) : kNone;
-    }
-    const DataItem* item = run_.data.item;
-    if (!item) return kNone;
-    return item->type == tok::kStrVar ? kString : kNumber;
-  }
-
- private:
-  RunState& run_;
-};
-
-// REC(n) and ITM(n): the record of file n's pointer and the number of the item
-// it stands on within that record.
-class FilePointerFunc final : public NumericArgFunc {
- public:
-  FilePointerFunc(const KeyToken* key, NumericExpPtr arg, FileUnits& files)
-      : NumericArgFunc(key, std::move(arg)), files_(files) {}
-  size_t Size() const override { return sizeof *this + arg_->Size(); }
-  float Evaluate() override {
-    float n = arg_->Evaluate();
-    FileUnit* unit = g_err.run ? nullptr : files_.OpenUnit(n);
-    if (!unit) return 0;
-    return static_cast<float>(Kind() == static_cast<int>(tok::kFnRec) ? unit->Record()
-                                                                      : unit->Item());
-  }
-
- private:
-  FileUnits& files_;
-};
-
 // The argument is kept for listing only: these never evaluate it.
 class TidFunc final : public NumericArgFunc {
  public:
@@ -163,17 +123,16 @@ class ZeroFunc final : public NumericArgFunc {
 
 }  // namespace
 
-NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, Program& prog) {
+NumericExpPtr MakeSystemFunction(const KeyToken* key, NumericExpPtr arg, ExprContext& prog) {
   switch (key->Code()) {
     case tok::kFnTim:
       return std::make_unique<TimFunc>(key, std::move(arg));
     case tok::kFnVer:
       return std::make_unique<VerFunc>(key, std::move(arg));
     case tok::kFnTyp:
-      return std::make_unique<TypFunc>(key, std::move(arg), prog.run);
     case tok::kFnRec:
     case tok::kFnItm:
-      return std::make_unique<FilePointerFunc>(key, std::move(arg), prog.run.files);
+      return prog.FileFunction(key, std::move(arg));
     case tok::kFnTid:
       return std::make_unique<TidFunc>(key, std::move(arg));
     case tok::kFnBrk:

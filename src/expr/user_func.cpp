@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "expr/expr_context.h"
 #include "expr/function_nodes.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 // --- Parameter lists and definitions.
 
@@ -43,7 +43,7 @@ namespace {
 // Parameter names bind to frame slots while a body is parsed; restored on every path.
 class ParamsScope final {
  public:
-  ParamsScope(Program& p, const ParameterList* params) : p_(p), saved_(p.params) {
+  ParamsScope(ExprContext& p, const ParameterList* params) : p_(p), saved_(p.params) {
     p.params = params;
   }
   ~ParamsScope() { p_.params = saved_; }
@@ -51,7 +51,7 @@ class ParamsScope final {
   ParamsScope& operator=(const ParamsScope&) = delete;
 
  private:
-  Program& p_;
+  ExprContext& p_;
   const ParameterList* saved_;
 };
 
@@ -60,7 +60,7 @@ bool StartsWithFn(std::string_view name) {
          (name[1] == 'n' || name[1] == 'N');
 }
 
-bool ParseParameters(Program& p, ParameterSpec* out) {
+bool ParseParameters(ExprContext& p, ParameterSpec* out) {
   if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
   if (p.Accept(tok::kRParen)) return true;
   for (;;) {
@@ -75,8 +75,8 @@ bool ParseParameters(Program& p, ParameterSpec* out) {
 }
 
 template <typename Spec, typename Body>
-std::unique_ptr<FuncSpec> ParseBody(Program& p, const VarToken* name, ParameterSpec params,
-                                    Body (*parse)(Program&), ErrorCode missing) {
+std::unique_ptr<FuncSpec> ParseBody(ExprContext& p, const VarToken* name, ParameterSpec params,
+                                    Body (*parse)(ExprContext&), ErrorCode missing) {
   ParseAttempt attempt(p);
   Body body;
   {
@@ -89,7 +89,7 @@ std::unique_ptr<FuncSpec> ParseBody(Program& p, const VarToken* name, ParameterS
 
 }  // namespace
 
-std::unique_ptr<FuncSpec> ParseFuncSpec(Program& p) {
+std::unique_ptr<FuncSpec> ParseFuncSpec(ExprContext& p) {
   ParseAttempt attempt(p);
   TokenCode category = tok::Category(p.GetToken());
   const KeyToken* symbol = p.Symbol();
@@ -127,7 +127,7 @@ struct Argument {
 };
 
 // "(arg,...)": each argument a numeric expression, else a string expression.
-bool ParseArguments(Program& p, std::vector<Argument>* out) {
+bool ParseArguments(ExprContext& p, std::vector<Argument>* out) {
   if (!p.SpendExpression()) return SetParseError(err::kBadNumericExp), false;
   ParseAttempt attempt(p);
   if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
@@ -162,8 +162,8 @@ bool ParseArguments(Program& p, std::vector<Argument>* out) {
 // The shared part of the call nodes: binding, and entering and leaving a frame.
 class UserCall final {
  public:
-  UserCall(const VarToken* name, std::vector<Argument> args, Program& prog)
-      : name_(name), args_(std::move(args)), frames_(prog.run.calls) {}
+  UserCall(const VarToken* name, std::vector<Argument> args, ExprContext& prog)
+      : name_(name), args_(std::move(args)), frames_(prog.calls) {}
 
   size_t Size() const {
     size_t size = args_.size() * sizeof(Argument);
@@ -184,7 +184,7 @@ class UserCall final {
     out += ')';
   }
 
-  ErrorCode Link(Program& prog) {
+  ErrorCode Link(ExprContext& prog) {
     active_ = 0;  // every run starts with no call active
     auto found = std::find_if(prog.functions.begin(), prog.functions.end(),
                               [this](const FuncSpec* f) { return f->Name() == name_; });
@@ -242,12 +242,12 @@ class UserCall final {
 
 class NumericUserFunc final : public NumericExp, public Reference {
  public:
-  NumericUserFunc(const VarToken* name, std::vector<Argument> args, Program& prog)
+  NumericUserFunc(const VarToken* name, std::vector<Argument> args, ExprContext& prog)
       : call_(name, std::move(args), prog) {}
   int Kind() const override { return static_cast<int>(tok::kNumUserFn); }
   size_t Size() const override { return sizeof *this + call_.Size(); }
   void List(std::string& out) const override { call_.List(out); }
-  ErrorCode Link(Program& prog) override { return call_.Link(prog); }
+  ErrorCode Link(ExprContext& prog) override { return call_.Link(prog); }
   float Evaluate() override {
     CallFrames::Saved saved;
     if (!call_.Enter(&saved)) return 0.0f;
@@ -262,12 +262,12 @@ class NumericUserFunc final : public NumericExp, public Reference {
 
 class StringUserFunc final : public StringExp, public Reference {
  public:
-  StringUserFunc(const VarToken* name, std::vector<Argument> args, Program& prog)
+  StringUserFunc(const VarToken* name, std::vector<Argument> args, ExprContext& prog)
       : call_(name, std::move(args), prog) {}
   int Kind() const override { return static_cast<int>(tok::kStrUserFn); }
   size_t Size() const override { return sizeof *this + call_.Size(); }
   void List(std::string& out) const override { call_.List(out); }
-  ErrorCode Link(Program& prog) override { return call_.Link(prog); }
+  ErrorCode Link(ExprContext& prog) override { return call_.Link(prog); }
   std::string_view Evaluate(StringValue& work) override {
     CallFrames::Saved saved;
     if (!call_.Enter(&saved)) return {};
@@ -282,7 +282,7 @@ class StringUserFunc final : public StringExp, public Reference {
 };
 
 template <typename Node, typename Ptr>
-Ptr ParseCall(Program& p, TokenCode category) {
+Ptr ParseCall(ExprContext& p, TokenCode category) {
   ParseAttempt attempt(p);
   const KeyToken* symbol = nullptr;
   if (tok::Category(p.GetToken()) == category) symbol = p.Symbol();
@@ -295,10 +295,10 @@ Ptr ParseCall(Program& p, TokenCode category) {
 
 }  // namespace
 
-NumericExpPtr ParseNumericUserCall(Program& p) {
+NumericExpPtr ParseNumericUserCall(ExprContext& p) {
   return ParseCall<NumericUserFunc, NumericExpPtr>(p, tok::kNumUserFn);
 }
 
-StringExpPtr ParseStringUserCall(Program& p) {
+StringExpPtr ParseStringUserCall(ExprContext& p) {
   return ParseCall<StringUserFunc, StringExpPtr>(p, tok::kStrUserFn);
 }

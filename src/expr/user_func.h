@@ -79,4 +79,4 @@ class FuncStringSpec final : public FuncSpec {
 
 // The definition after DEF: "FNA(params)=numericExp" or "FNA$(params)=stringExp".
 // Null with the parse error set (position restored) when there is none.
-std::unique_ptr<FuncSpec> ParseFuncSpec(Program& prog);
+std::unique_ptr<FuncSpec> ParseFuncSpec(ExprContext& prog);

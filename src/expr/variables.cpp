@@ -5,9 +5,9 @@
 
 #include "base/convert.h"
 #include "base/dialect.h"
+#include "expr/expr_context.h"
 #include "expr/operands.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ size_t SubscriptsSize(const std::vector<NumericExpPtr>& subscripts) {
 }
 
 // Subscripts in any bracket pair, at least one, separated by ",".
-bool ParseSubscripts(Program& p, std::vector<NumericExpPtr>* out) {
+bool ParseSubscripts(ExprContext& p, std::vector<NumericExpPtr>* out) {
   ParseAttempt attempt(p);
   if (!p.AcceptOpen()) return false;
   do {
@@ -209,13 +209,13 @@ std::unique_ptr<Base> MakeElement(const VarToken* name, std::vector<NumericExpPt
 }
 
 template <typename T>
-std::unique_ptr<T> Register(Program& p, std::unique_ptr<T> ref) {
+std::unique_ptr<T> Register(ExprContext& p, std::unique_ptr<T> ref) {
   p.References().Append(ref.get());
   return ref;
 }
 
 // The variable a symbol token names; null for keywords and other tokens.
-const VarToken* SymbolOf(const Program& p, TokenCode code) {
+const VarToken* SymbolOf(const ExprContext& p, TokenCode code) {
   TokenCode category = tok::Category(code);
   bool variable = category == tok::kNumVar || category == tok::kStrVar ||
                   category == tok::kNumArray || category == tok::kStrArray;
@@ -235,8 +235,8 @@ ErrorCode LengthError(double count) {
 
 void NumericSimpleVar::List(std::string& out) const { out += name_->Name(); }
 
-ErrorCode NumericSimpleVar::Link(Program& prog) {
-  data_ = prog.NumericSimple(name_);
+ErrorCode NumericSimpleVar::Link(ExprContext& prog) {
+  data_ = prog.variables.NumericSimple(name_);
   return 0;
 }
 
@@ -251,16 +251,17 @@ void NumericScriptVar::List(std::string& out) const {
   ListSubscripts(out, subscripts_);
 }
 
-ErrorCode NumericScriptVar::Link(Program& prog) {
-  return BindArray(prog.NumericArray(name_), name_, subscripts_.size(), MakeNumericArray, &data_);
+ErrorCode NumericScriptVar::Link(ExprContext& prog) {
+  return BindArray(prog.variables.NumericArray(name_), name_, subscripts_.size(), MakeNumericArray,
+                   &data_);
 }
 
 // --- String references.
 
 void StringSimpleVar::List(std::string& out) const { out += name_->Name(); }
 
-ErrorCode StringSimpleVar::Link(Program& prog) {
-  value_ = &prog.StringSimple(name_)->value;
+ErrorCode StringSimpleVar::Link(ExprContext& prog) {
+  value_ = &prog.variables.StringSimple(name_)->value;
   return 0;
 }
 
@@ -274,16 +275,17 @@ void StringScriptVar::List(std::string& out) const {
   ListSubscripts(out, subscripts_);
 }
 
-ErrorCode StringScriptVar::Link(Program& prog) {
-  return BindArray(prog.StringArray(name_), name_, subscripts_.size(), MakeStringArray, &data_);
+ErrorCode StringScriptVar::Link(ExprContext& prog) {
+  return BindArray(prog.variables.StringArray(name_), name_, subscripts_.size(), MakeStringArray,
+                   &data_);
 }
 
 // --- Whole arrays.
 
 void NumericMatrixVar::List(std::string& out) const { out += name_->Name(); }
 
-ErrorCode NumericMatrixVar::Link(Program& prog) {
-  auto& slot = prog.NumericArray(name_);
+ErrorCode NumericMatrixVar::Link(ExprContext& prog) {
+  auto& slot = prog.variables.NumericArray(name_);
   if (!slot)
     if (ErrorCode code = MakeNumericArray(name_, DimensionList({10}), &slot)) return code;
   data_ = slot.get();
@@ -292,8 +294,8 @@ ErrorCode NumericMatrixVar::Link(Program& prog) {
 
 void StringMatrixVar::List(std::string& out) const { out += name_->Name(); }
 
-ErrorCode StringMatrixVar::Link(Program& prog) {
-  auto& slot = prog.StringArray(name_);
+ErrorCode StringMatrixVar::Link(ExprContext& prog) {
+  auto& slot = prog.variables.StringArray(name_);
   if (!slot)
     if (ErrorCode code = MakeStringArray(name_, DimensionList({10}), &slot)) return code;
   data_ = slot.get();
@@ -399,7 +401,7 @@ void StringSubVar::Assign(std::string_view text) {
 
 // --- Parsers.
 
-std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
+std::unique_ptr<NumericVar> ParseNumericVar(ExprContext& p) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   const VarToken* name = SymbolOf(p, code);
@@ -407,7 +409,7 @@ std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
     if (p.params) {
       int slot = p.params->NumericSlot(name);
       if (slot >= 0)
-        return Register<NumericVar>(p, std::make_unique<NumericParmVar>(name, p.run.calls, slot));
+        return Register<NumericVar>(p, std::make_unique<NumericParmVar>(name, p.calls, slot));
     }
     return Register<NumericVar>(p, std::make_unique<NumericSimpleVar>(name));
   }
@@ -420,7 +422,7 @@ std::unique_ptr<NumericVar> ParseNumericVar(Program& p) {
   return attempt.Fail();
 }
 
-std::unique_ptr<StringVar> ParseStringVar(Program& p) {
+std::unique_ptr<StringVar> ParseStringVar(ExprContext& p) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   const VarToken* name = SymbolOf(p, code);
@@ -428,7 +430,7 @@ std::unique_ptr<StringVar> ParseStringVar(Program& p) {
   if (tok::Category(code) == tok::kStrVar && name) {
     int slot = p.params ? p.params->StringSlot(name) : -1;
     if (slot >= 0)
-      base = std::make_unique<StringParmVar>(name, p.run.calls, slot);
+      base = std::make_unique<StringParmVar>(name, p.calls, slot);
     else
       base = std::make_unique<StringSimpleVar>(name);
   } else if (tok::Category(code) == tok::kStrArray && name) {
@@ -460,7 +462,7 @@ namespace {
 // The array symbol of the name a token carries: "A" and "A(" name the same
 // array; a bracket after the name is a token of its own, left for the caller.
 template <typename Var>
-std::unique_ptr<Var> ParseMatrix(Program& p, TokenCode simple, TokenCode array) {
+std::unique_ptr<Var> ParseMatrix(ExprContext& p, TokenCode simple, TokenCode array) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   const VarToken* name = SymbolOf(p, code);
@@ -473,10 +475,10 @@ std::unique_ptr<Var> ParseMatrix(Program& p, TokenCode simple, TokenCode array) 
 
 }  // namespace
 
-std::unique_ptr<NumericMatrixVar> ParseNumericMatrix(Program& p) {
+std::unique_ptr<NumericMatrixVar> ParseNumericMatrix(ExprContext& p) {
   return ParseMatrix<NumericMatrixVar>(p, tok::kNumVar, tok::kNumArray);
 }
 
-std::unique_ptr<StringMatrixVar> ParseStringMatrix(Program& p) {
+std::unique_ptr<StringMatrixVar> ParseStringMatrix(ExprContext& p) {
   return ParseMatrix<StringMatrixVar>(p, tok::kStrVar, tok::kStrArray);
 }

@@ -30,7 +30,7 @@ class ParameterList {
 class Reference : public BaseNode_T<Reference> {
  public:
   virtual ~Reference() = default;
-  virtual ErrorCode Link(Program& prog) = 0;
+  virtual ErrorCode Link(ExprContext& prog) = 0;
   // The statement whose location a link failure reports.
   Statement* owner = nullptr;
 };
@@ -55,7 +55,7 @@ class NumericSimpleVar final : public NumericVar {
   float Evaluate() override { return ReadValue(data_->value); }
   void Assign(float value) override { data_->value = value; }
   void Add(float value) { data_->value += value; }
-  ErrorCode Link(Program& prog) override;
+  ErrorCode Link(ExprContext& prog) override;
 
  private:
   NumericSimpleData* data_ = nullptr;
@@ -70,7 +70,7 @@ class NumericParmVar final : public NumericVar {
   void List(std::string& out) const override;
   float Evaluate() override;
   void Assign(float value) override;
-  ErrorCode Link(Program&) override { return 0; }
+  ErrorCode Link(ExprContext&) override { return 0; }
 
  private:
   CallFrames& frames_;
@@ -85,7 +85,7 @@ class NumericScriptVar : public NumericVar {
       : NumericVar(name), subscripts_(std::move(subscripts)) {}
   size_t Size() const override;
   void List(std::string& out) const override;
-  ErrorCode Link(Program& prog) override;
+  ErrorCode Link(ExprContext& prog) override;
 
  protected:
   std::vector<NumericExpPtr> subscripts_;
@@ -125,7 +125,7 @@ class StringSimpleVar final : public StringWholeVar {
   void List(std::string& out) const override;
   StringValue* Locate() override { return value_; }
   bool Quiet() const override { return true; }
-  ErrorCode Link(Program& prog) override;
+  ErrorCode Link(ExprContext& prog) override;
 
  private:
   StringValue* value_ = nullptr;
@@ -139,7 +139,7 @@ class StringParmVar final : public StringWholeVar {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override;
   StringValue* Locate() override;
-  ErrorCode Link(Program&) override { return 0; }
+  ErrorCode Link(ExprContext&) override { return 0; }
 
  private:
   CallFrames& frames_;
@@ -153,7 +153,7 @@ class StringScriptVar : public StringWholeVar {
       : StringWholeVar(name), subscripts_(std::move(subscripts)) {}
   size_t Size() const override;
   void List(std::string& out) const override;
-  ErrorCode Link(Program& prog) override;
+  ErrorCode Link(ExprContext& prog) override;
 
  protected:
   std::vector<NumericExpPtr> subscripts_;
@@ -200,7 +200,7 @@ class StringSubVar final : public StringVar {
 class NumericMatrixVar final : public Reference {
  public:
   explicit NumericMatrixVar(const VarToken* name) : name_(name) {}
-  ErrorCode Link(Program& prog) override;
+  ErrorCode Link(ExprContext& prog) override;
   void List(std::string& out) const;
   NumericScriptData& Data() const { return *data_; }
 
@@ -212,7 +212,7 @@ class NumericMatrixVar final : public Reference {
 class StringMatrixVar final : public Reference {
  public:
   explicit StringMatrixVar(const VarToken* name) : name_(name) {}
-  ErrorCode Link(Program& prog) override;
+  ErrorCode Link(ExprContext& prog) override;
   void List(std::string& out) const;
   StringScriptData& Data() const { return *data_; }
 
@@ -223,9 +223,9 @@ class StringMatrixVar final : public Reference {
 
 // Variable parsers: null with the position restored when the next token is
 // no variable of the kind (an error is stored only for a malformed one).
-std::unique_ptr<NumericVar> ParseNumericVar(Program& prog);
-std::unique_ptr<StringVar> ParseStringVar(Program& prog);
+std::unique_ptr<NumericVar> ParseNumericVar(ExprContext& prog);
+std::unique_ptr<StringVar> ParseStringVar(ExprContext& prog);
 // A whole array: a name alone, or a name that brackets follow (which are left
 // unread). Null with the position restored when no name of the kind is next.
-std::unique_ptr<NumericMatrixVar> ParseNumericMatrix(Program& prog);
-std::unique_ptr<StringMatrixVar> ParseStringMatrix(Program& prog);
+std::unique_ptr<NumericMatrixVar> ParseNumericMatrix(ExprContext& prog);
+std::unique_ptr<StringMatrixVar> ParseStringMatrix(ExprContext& prog);

@@ -5,10 +5,10 @@
 
 #include "base/convert.h"
 #include "base/print_sink.h"
+#include "expr/expr_context.h"
 #include "format/number_format.h"
 #include "lex/parse_attempt.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
 
 void NewPrintLine(PrintSink& out) {
   out.Print('\r');
@@ -236,7 +236,7 @@ class PrintEndCommaSpec final : public PrintSpecList {
 };
 
 // TAB, SPA or LIN with its parenthesised argument (the name consumed).
-PrintSpecPtr ParsePrintFunction(Program& p, TokenCode code) {
+PrintSpecPtr ParsePrintFunction(ExprContext& p, TokenCode code) {
   ParseAttempt attempt(p);
   if (!p.Accept(tok::kLParen)) return attempt.Replace(err::kMissingLParen);
   NumericExpPtr arg = ParseNumericExp(p);
@@ -255,7 +255,7 @@ PrintSpecPtr ParsePrintFunction(Program& p, TokenCode code) {
 // One item: a print function, else a numeric expression (string comparisons
 // included), else a string expression. Null, with the position restored,
 // when none fits; the error stays 0 when nothing item-like was there.
-PrintSpecPtr ParsePrintItem(Program& p) {
+PrintSpecPtr ParsePrintItem(ExprContext& p) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   if (code == tok::kFnTab || code == tok::kFnSpa || code == tok::kFnLin) {
@@ -274,7 +274,7 @@ PrintSpecPtr ParsePrintItem(Program& p) {
   return attempt.Fail(numericError);
 }
 
-bool AtStatementEnd(Program& p) {
+bool AtStatementEnd(ExprContext& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
 }
@@ -283,7 +283,7 @@ bool AtStatementEnd(Program& p) {
 
 // Items followed by another item without a separator are joined by a
 // none-group; a separator at the end of the statement becomes the end marker.
-bool ParsePrintList(Program& p, PrintSpecPtr* items, PrintSpecPtr* end) {
+bool ParsePrintList(ExprContext& p, PrintSpecPtr* items, PrintSpecPtr* end) {
   ParseAttempt attempt(p);
   PrintSpecPtr first = ParsePrintItem(p);
   if (!first) {

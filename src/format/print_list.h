@@ -8,7 +8,7 @@
 #include <string_view>
 
 class PrintSink;
-class Program;
+class ExprContext;
 
 class PrintSpecList {
  public:
@@ -27,7 +27,7 @@ using PrintSpecPtr = std::unique_ptr<PrintSpecList>;
 // Parses "item {[,|;] item} [,|;]" up to the end of the statement into the
 // items' tree and the end marker that closes it. False with the parse error
 // set (position restored) when an item is missing or malformed.
-bool ParsePrintList(Program& prog, PrintSpecPtr* items, PrintSpecPtr* end);
+bool ParsePrintList(ExprContext& prog, PrintSpecPtr* items, PrintSpecPtr* end);
 
 // Layout steps shared by PRINT, PRINT USING and MAT PRINT.
 void NewPrintLine(PrintSink& out);  // CR then LF

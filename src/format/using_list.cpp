@@ -1,7 +1,7 @@
 #include "format/using_list.h"
 
+#include "expr/expr_context.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ class UsingStringSpec final : public UsingSpec {
 };
 
 // A numeric expression (string comparisons included), else a string one.
-UsingSpecPtr ParseUsingSpec(Program& p) {
+UsingSpecPtr ParseUsingSpec(ExprContext& p) {
   ParseAttempt attempt(p);
   if (NumericExpPtr exp = ParseNumericExp(p))
     return std::make_unique<UsingNumericSpec>(std::move(exp));
@@ -43,7 +43,7 @@ UsingSpecPtr ParseUsingSpec(Program& p) {
 
 }  // namespace
 
-bool UsingSpecList::Parse(Program& p) {
+bool UsingSpecList::Parse(ExprContext& p) {
   ParseAttempt attempt(p);
   do {
     UsingSpecPtr spec = ParseUsingSpec(p);

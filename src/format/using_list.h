@@ -23,7 +23,7 @@ class UsingSpecList final : public UsingValues {
   // "value {, value}" up to the statement's end: each a numeric expression,
   // else a string expression. False with the parse error set (37 when a
   // value is missing), the position restored.
-  bool Parse(Program& prog);
+  bool Parse(ExprContext& prog);
   bool Empty() const { return specs_.empty(); }
   size_t Size() const;
   void List(std::string& out) const;  // "A,B$"

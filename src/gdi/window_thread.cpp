@@ -11,7 +11,7 @@
 #include <cstring>
 
 #include "gdi/window.h"
-#include "platform/break_flag.h"
+#include "platform/async_flag.h"
 
 #if HAVE_SDL2
 #include <SDL2/SDL.h>

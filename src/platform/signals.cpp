@@ -7,7 +7,7 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/break_flag.h"
+#include "platform/async_flag.h"
 #include "platform/terminal_restore.h"
 
 namespace {

@@ -22,5 +22,9 @@ inline void NoteOutputPending() {
     ArmFlushTimer();
 }
 
+// Acts on the events of the async flag other than a break: flushes output, or
+// ends the process. The main thread calls it from its break test.
+void HandleAsyncEvents(unsigned char events);
+
 // Sleeps ms milliseconds in short slices; an ending signal cuts it short.
 void PauseMs(uint64_t ms);

@@ -15,11 +15,11 @@
 #include "console/line_history.h"
 #include "help/help_tree.h"
 #include "platform/break_flag.h"
+#include "program/loader.h"
+#include "program/program.h"
+#include "program/run.h"
+#include "program/statement_table.h"
 #include "shell/history_file.h"
-#include "shell/loader.h"
-#include "shell/program.h"
-#include "shell/run.h"
-#include "stmt/parsers.h"
 
 namespace {
 
@@ -315,7 +315,8 @@ void Shell::ImmediatePrint() {
   SetParseError(0);
   prog_->run.console = &con_;
   Reference* lastRef = prog_->References().Last();
-  StatementPtr stmt = ParsePrint(*prog_);
+  // Through the table, so that PRINT # is the data-file statement, as in a program.
+  StatementPtr stmt = ParseKeywordStatement(*prog_, tok::kPrint);
   if (stmt && prog_->GetToken() != tok::kEndOfLine) {
     stmt.reset();
     SetParseError(err::kTrailingChars);
@@ -459,7 +460,7 @@ void Shell::Dump() {
 void Shell::Labels() {
   con_.Write("Statement Number References\n  ");
   unsigned count = 0, names = 0;
-  for (const auto& t : prog_->Targets()) {
+  for (const auto& t : prog_->targets.All()) {
     if (!t->users) continue;
     if (t->IsName()) {
       ++names;
@@ -470,7 +471,7 @@ void Shell::Labels() {
   }
   if (count % 6 != 0) con_.Write("\n");
   con_.Printf("\nStatement Label References (%lu)\n  ", static_cast<unsigned long>(names));
-  for (const auto& t : prog_->Targets()) {
+  for (const auto& t : prog_->targets.All()) {
     if (!t->users || !t->IsName()) continue;
     con_.Printf("[%s] (%u) ", t->Name().c_str(), t->users);
     con_.Write("\n  ");

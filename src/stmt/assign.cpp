@@ -5,8 +5,8 @@
 #include "expr/operands.h"
 #include "expr/operators.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -286,8 +286,8 @@ StatementPtr MakeLet(bool spelled, LetListPtr list) {
 // start the expression (A=B+1), so targets after an "=" are given back one
 // at a time until the rest parses.
 template <typename Var, typename ExpPtr, typename Item>
-LetListPtr ParseItem(Program& p, std::unique_ptr<Var> (*parseVar)(Program&),
-                     ExpPtr (*parseExp)(Program&), ErrorCode missing) {
+LetListPtr ParseItem(StmtContext& p, std::unique_ptr<Var> (*parseVar)(ExprContext&),
+                     ExpPtr (*parseExp)(ExprContext&), ErrorCode missing) {
   ParseAttempt assignment(p);
   TargetList<Var> targets;
   std::vector<size_t> marks;  // position before the separator of each later target
@@ -321,7 +321,7 @@ LetListPtr ParseItem(Program& p, std::unique_ptr<Var> (*parseVar)(Program&),
   return assignment.Replace(missing);
 }
 
-LetListPtr ParseAssignment(Program& p) {
+LetListPtr ParseAssignment(StmtContext& p) {
   LetListPtr item = ParseItem<NumericVar, NumericExpPtr, LetNumeric>(
       p, ParseNumericVar, ParseNumericExp, err::kBadNumericExp);
   if (!item && !g_err.parse)
@@ -336,14 +336,14 @@ LetListPtr ParseAssignment(Program& p) {
 
 }  // namespace
 
-StatementPtr ParseLet(Program& p) {
+StatementPtr ParseLet(StmtContext& p) {
   ParseAttempt attempt(p);
   LetListPtr list = ParseAssignment(p);
   if (!list) return attempt.Fail(err::kLetTargetMissing);
   return MakeLet(true, std::move(list));
 }
 
-StatementPtr ParseImpliedLet(Program& p) {
+StatementPtr ParseImpliedLet(StmtContext& p) {
   ParseAttempt attempt(p);
   LetListPtr list = ParseAssignment(p);
   if (!list) return attempt.Fail();

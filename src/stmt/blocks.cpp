@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "shell/program.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -74,7 +74,7 @@ SearchAnswer AnswerAs(Closer closer, Search search, Statement* self) {
   return {SearchAnswer::kPass};
 }
 
-ErrorCode BlockOpener::Resolve(Program&) {
+ErrorCode BlockOpener::Resolve(StmtContext&) {
   state_ = State::kUnknown;
   closer_ = nullptr;
   ClearLinks();
@@ -106,11 +106,13 @@ SearchAnswer BlockOpener::Answer(Search, Statement*) {
   return {SearchAnswer::kSkip, closer_->Next()};
 }
 
-ErrorCode BlockOpener::Check(Program& prog) {
+ErrorCode BlockOpener::Check(StmtContext&) {
   if (state_ == State::kUnknown) {
     // Openers are matched last to first, so every inner block is settled
     // before the block around it searches: no search ever recurses.
-    for (Statement* s = prog.EndMark(); s && s != this; s = s->Prev())
+    Statement* last = this;
+    while (Statement* next = last->Next()) last = next;
+    for (Statement* s = last; s && s != this; s = s->Prev())
       if (auto* opener = dynamic_cast<BlockOpener*>(s)) opener->Match();
     Match();
   }

@@ -33,8 +33,8 @@ class BlockOpener : public Statement {
  public:
   int IndentClass() const override { return kOpens; }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override;
-  ErrorCode Check(Program& prog) override;
+  ErrorCode Resolve(StmtContext&) override;
+  ErrorCode Check(StmtContext& prog) override;
   // Met inside another block: skip past this one, or fail as this one failed.
   SearchAnswer Answer(Search, Statement*) override;
   // Runs this block's own search unless it ran during this link.

@@ -5,15 +5,16 @@
 
 #include "base/convert.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
 // Pushes the return point and goes to the target; past the limit the error
 // ends the run on arrival.
-Statement* CallSubroutine(Program& prog, Statement* self, Statement* returnTo, Statement* target) {
+Statement* CallSubroutine(StmtContext& prog, Statement* self, Statement* returnTo,
+                          Statement* target) {
   RunFrame& frame = prog.run.frame;
   if (frame.depth >= RunFrame::kMaxGosub) {
     Raise(err::kGosubTooDeep, self->Location());
@@ -34,7 +35,7 @@ class GoToLineStmt final : public Statement {
     out += "GOTO ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
     successor_ = target_.Landing();
     return 0;
@@ -46,7 +47,7 @@ class GoToLineStmt final : public Statement {
 
 class GoSubLineStmt final : public Statement {
  public:
-  GoSubLineStmt(Program& prog, TargetRef target) : prog_(prog), target_(std::move(target)) {}
+  GoSubLineStmt(StmtContext& prog, TargetRef target) : prog_(prog), target_(std::move(target)) {}
   Statement* Execute() override { return CallSubroutine(prog_, this, successor_, landing_); }
   TokenCode Code() const override { return tok::kGosub; }
   size_t Size() const override { return sizeof *this; }
@@ -54,21 +55,21 @@ class GoSubLineStmt final : public Statement {
     out += "GOSUB ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
     landing_ = target_.Landing();
     return 0;
   }
 
  private:
-  Program& prog_;
+  StmtContext& prog_;
   TargetRef target_;
   Statement* landing_ = nullptr;
 };
 
 class ReturnStmt final : public Statement {
  public:
-  explicit ReturnStmt(Program& prog) : prog_(prog) {}
+  explicit ReturnStmt(StmtContext& prog) : prog_(prog) {}
   Statement* Execute() override {
     RunFrame& frame = prog_.run.frame;
     if (frame.depth == 0) return Fail(err::kReturnWithoutGosub);
@@ -80,13 +81,13 @@ class ReturnStmt final : public Statement {
   void List(std::string& out) const override { out += "RETURN"; }
 
  private:
-  Program& prog_;
+  StmtContext& prog_;
 };
 
 // Selector, targets and optional ELSE target of a computed jump.
 class JumpListStmt : public Statement {
  public:
-  JumpListStmt(Program& prog, NumericExpPtr selector, std::vector<TargetRef> targets,
+  JumpListStmt(StmtContext& prog, NumericExpPtr selector, std::vector<TargetRef> targets,
                TargetRef otherwise, bool onForm)
       : prog_(prog),
         selector_(std::move(selector)),
@@ -119,7 +120,7 @@ class JumpListStmt : public Statement {
       else_.List(out);
     }
   }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     for (size_t i = 0; i < targets_.size(); ++i) {
       if (!targets_[i].Named()) return err::kUndefinedTarget;
       chosen_[i] = Destination(targets_[i]);
@@ -151,7 +152,7 @@ class JumpListStmt : public Statement {
   // The out-of-range choice: the ELSE target, or none.
   Statement* Otherwise() const { return else_ ? elseChosen_ : nullptr; }
 
-  Program& prog_;
+  StmtContext& prog_;
 
  private:
   NumericExpPtr selector_;
@@ -203,7 +204,7 @@ class RestoreListStmt final : public JumpListStmt {
     if (g_err.run) return successor_;
     if (!target) target = Otherwise();
     // An entry with no DATA at or after it starts reading over.
-    if (target && !target->RestoreHere()) prog_.First()->RestoreHere();
+    if (target && !target->RestoreHere()) prog_.run.data.RestoreFirst();
     return successor_;
   }
 
@@ -213,7 +214,7 @@ class RestoreListStmt final : public JumpListStmt {
   Statement* Destination(const TargetRef& target) const override { return target.Named(); }
 };
 
-TargetRef ExpectTarget(Program& p) {
+TargetRef ExpectTarget(StmtContext& p) {
   ParseAttempt attempt(p);
   TargetRef target = ParseTarget(p);
   if (!target) attempt.Fail(err::kBadStmtNumber);
@@ -223,12 +224,12 @@ TargetRef ExpectTarget(Program& p) {
 // GOTO <stmtId> or GOTO <exp> OF ...: a plain number or label alone is the
 // single form; anything else is a selector.
 template <typename Single>
-StatementPtr ParseJump(Program& p, JumpKind kind) {
+StatementPtr ParseJump(StmtContext& p, JumpKind kind) {
   ParseAttempt attempt(p);
   if (TargetRef target = ParseTarget(p)) {
     TokenCode next = p.Peek();
     if (next == tok::kEndOfLine || next == tok::kComment) {
-      if constexpr (std::is_constructible_v<Single, Program&, TargetRef>)
+      if constexpr (std::is_constructible_v<Single, StmtContext&, TargetRef>)
         return std::make_unique<Single>(p, std::move(target));
       else
         return std::make_unique<Single>(std::move(target));
@@ -243,7 +244,7 @@ StatementPtr ParseJump(Program& p, JumpKind kind) {
 
 }  // namespace
 
-StatementPtr ParseJumpList(Program& p, JumpKind kind, NumericExpPtr selector, bool onForm) {
+StatementPtr ParseJumpList(StmtContext& p, JumpKind kind, NumericExpPtr selector, bool onForm) {
   ParseAttempt attempt(p);
   std::vector<TargetRef> targets;
   TargetRef otherwise;
@@ -269,14 +270,14 @@ StatementPtr ParseJumpList(Program& p, JumpKind kind, NumericExpPtr selector, bo
                                            std::move(otherwise), onForm);
 }
 
-StatementPtr ParseGoto(Program& p) { return ParseJump<GoToLineStmt>(p, JumpKind::kGoto); }
+StatementPtr ParseGoto(StmtContext& p) { return ParseJump<GoToLineStmt>(p, JumpKind::kGoto); }
 
-StatementPtr ParseGosub(Program& p) { return ParseJump<GoSubLineStmt>(p, JumpKind::kGosub); }
+StatementPtr ParseGosub(StmtContext& p) { return ParseJump<GoSubLineStmt>(p, JumpKind::kGosub); }
 
-StatementPtr ParseReturn(Program& p) { return std::make_unique<ReturnStmt>(p); }
+StatementPtr ParseReturn(StmtContext& p) { return std::make_unique<ReturnStmt>(p); }
 
 // The RESTORE parser has read the selector; OF may or may not be consumed yet.
-StatementPtr ParseRestoreOf(Program& p, NumericExpPtr selector) {
+StatementPtr ParseRestoreOf(StmtContext& p, NumericExpPtr selector) {
   p.Accept(tok::kOf);
   return ParseJumpList(p, JumpKind::kRestore, std::move(selector), false);
 }

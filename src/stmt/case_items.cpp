@@ -1,8 +1,8 @@
 #include "stmt/case_items.h"
 
+#include "expr/expr_context.h"
 #include "expr/operands.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 
 namespace {
 
@@ -167,7 +167,7 @@ class CaseStringRange final : public StringCase {
 };
 
 // A relation token at the start of an item, or 0.
-TokenCode AcceptRelation(Program& p) {
+TokenCode AcceptRelation(ExprContext& p) {
   ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
   if (tok::Category(op) == tok::kRelation) return op;
@@ -175,7 +175,7 @@ TokenCode AcceptRelation(Program& p) {
   return 0;
 }
 
-NumericCasePtr ParseNumericCase(Program& p) {
+NumericCasePtr ParseNumericCase(ExprContext& p) {
   TokenCode op = AcceptRelation(p);
   NumericExpPtr value = ParseNumericExp(p);
   if (!value) return nullptr;
@@ -195,7 +195,7 @@ NumericCasePtr ParseNumericCase(Program& p) {
   });
 }
 
-StringCasePtr ParseStringCase(Program& p) {
+StringCasePtr ParseStringCase(ExprContext& p) {
   TokenCode op = AcceptRelation(p);
   StringExpPtr value = ParseStringExp(p);
   if (!value) return nullptr;
@@ -207,7 +207,7 @@ StringCasePtr ParseStringCase(Program& p) {
 }
 
 template <typename Item, typename ParseItem>
-std::vector<std::unique_ptr<Item>> ParseItems(Program& p, ParseItem parse, ErrorCode missing) {
+std::vector<std::unique_ptr<Item>> ParseItems(ExprContext& p, ParseItem parse, ErrorCode missing) {
   ParseAttempt attempt(p);
   std::vector<std::unique_ptr<Item>> items;
   do {
@@ -224,7 +224,7 @@ std::vector<std::unique_ptr<Item>> ParseItems(Program& p, ParseItem parse, Error
 
 }  // namespace
 
-bool StartsStringCase(Program& p) {
+bool StartsStringCase(ExprContext& p) {
   ParseAttempt attempt(p);
   AcceptRelation(p);
   TokenCode code = p.GetToken();
@@ -240,10 +240,10 @@ bool StartsStringCase(Program& p) {
   }
 }
 
-std::vector<NumericCasePtr> ParseNumericCases(Program& p) {
+std::vector<NumericCasePtr> ParseNumericCases(ExprContext& p) {
   return ParseItems<NumericCase>(p, ParseNumericCase, err::kBadNumericExp);
 }
 
-std::vector<StringCasePtr> ParseStringCases(Program& p) {
+std::vector<StringCasePtr> ParseStringCases(ExprContext& p) {
   return ParseItems<StringCase>(p, ParseStringCase, err::kBadStringExp);
 }

@@ -26,10 +26,10 @@ class StringCase {
 using StringCasePtr = std::unique_ptr<StringCase>;
 
 // True when the next item (after any relation) is a string expression.
-bool StartsStringCase(Program& p);
+bool StartsStringCase(ExprContext& p);
 // Comma-separated items; empty with the parse error set when one is malformed.
-std::vector<NumericCasePtr> ParseNumericCases(Program& p);
-std::vector<StringCasePtr> ParseStringCases(Program& p);
+std::vector<NumericCasePtr> ParseNumericCases(ExprContext& p);
+std::vector<StringCasePtr> ParseStringCases(ExprContext& p);
 
 template <typename Item>
 size_t ItemsSize(const std::vector<std::unique_ptr<Item>>& items) {

@@ -1,9 +1,9 @@
 // The spellings of old listings: GO TO and GO SUB in two words, and REM run
 // together with the remark (REMARK). They are read here and list in the house form.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
 #include "stmt/simple_stmts.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -15,13 +15,13 @@ bool SameWord(std::string_view text, std::string_view upper) {
 }
 
 // A plain word token: the scanner's class before any symbol lookup.
-bool IsPlainWord(const Program& p) { return p.Current().lexClass == tok::kWord; }
+bool IsPlainWord(const StmtContext& p) { return p.Current().lexClass == tok::kWord; }
 
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 }  // namespace
 
-bool AcceptGo(Program& p, TokenCode keyword) {
+bool AcceptGo(StmtContext& p, TokenCode keyword) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   if (code == keyword) return true;
@@ -36,13 +36,13 @@ bool AcceptGo(Program& p, TokenCode keyword) {
   return false;
 }
 
-StatementPtr ParseClassicGo(Program& p) {
+StatementPtr ParseClassicGo(StmtContext& p) {
   if (AcceptGo(p, tok::kGoto)) return ParseGoto(p);
   if (AcceptGo(p, tok::kGosub)) return ParseGosub(p);
   return nullptr;
 }
 
-StatementPtr ParseRemWord(Program& p) {
+StatementPtr ParseRemWord(StmtContext& p) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   std::string_view word = p.Text();

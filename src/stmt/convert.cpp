@@ -7,8 +7,8 @@
 
 #include "format/number_format.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -84,7 +84,7 @@ class ConvertNumberStmt final : public Statement {
       otherwise_.List(out);
     }
   }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     if (!otherwise_) return 0;
     if (!otherwise_.Named()) return err::kUndefinedTarget;
     landing_ = otherwise_.Landing();
@@ -132,7 +132,7 @@ class ConvertStringStmt final : public Statement {
 }  // namespace
 
 // A string expression is tried first: "A$ TO" reads as text to number.
-StatementPtr ParseConvert(Program& p) {
+StatementPtr ParseConvert(StmtContext& p) {
   ParseAttempt attempt(p);
   ErrorCode before = g_err.parse;
   if (StringExpPtr text = ParseStringExp(p); text && p.Accept(tok::kTo)) {

@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/data_reader.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 #include "stmt/targets.h"
 
 namespace {
@@ -47,7 +47,7 @@ class DataStmt final : public Statement {
     }
   }
   bool IsExecutable() const override { return false; }
-  ErrorCode Check(Program&) override {
+  ErrorCode Check(StmtContext&) override {
     next_ = nullptr;
     if (!reader_.first) {
       reader_.first = this;
@@ -86,6 +86,10 @@ void DataReader::Forget(Statement* stmt) {
   current = nullptr;
   item = nullptr;
   if (Statement* next = stmt->Next()) next->RestoreHere();
+}
+
+void DataReader::RestoreFirst() {
+  if (first) first->AcceptsRestore();
 }
 
 const DataItem* TakeDataItem(DataReader& reader) {
@@ -135,7 +139,7 @@ class RestoreAllStmt final : public Statement {
  public:
   explicit RestoreAllStmt(DataReader& reader) : reader_(reader) {}
   Statement* Execute() override {
-    if (reader_.first) reader_.first->AcceptsRestore();
+    reader_.RestoreFirst();
     return successor_;
   }
   TokenCode Code() const override { return tok::kRestore; }
@@ -155,8 +159,8 @@ class RestoreLineStmt final : public Statement {
   Statement* Execute() override {
     if (Statement* named = target_.Named())
       named->RestoreHere();
-    else if (reader_.first)
-      reader_.first->AcceptsRestore();
+    else
+      reader_.RestoreFirst();
     return successor_;
   }
   TokenCode Code() const override { return tok::kRestore; }
@@ -165,7 +169,7 @@ class RestoreLineStmt final : public Statement {
     out += "RESTORE ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
+  ErrorCode Resolve(StmtContext&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
 
  private:
   DataReader& reader_;
@@ -186,7 +190,7 @@ class OnEndDataStmt final : public Statement {
     out += "ON END THEN ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
+  ErrorCode Resolve(StmtContext&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
 
  private:
   DataReader& reader_;
@@ -208,14 +212,14 @@ class OffEndStmt final : public Statement {
   DataReader& reader_;
 };
 
-bool AtLineEnd(Program& p) {
+bool AtLineEnd(StmtContext& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
 }
 
 }  // namespace
 
-StatementPtr ParseData(Program& p) {
+StatementPtr ParseData(StmtContext& p) {
   ParseAttempt attempt(p);
   std::vector<DataItem> items;
   do {
@@ -233,15 +237,14 @@ StatementPtr ParseData(Program& p) {
   return std::make_unique<DataStmt>(p.run.data, std::move(items));
 }
 
-StatementPtr ParseRead(Program& p) {
-  if (p.Peek() == tok::kHash) return ParseReadFile(p);
+StatementPtr ParseRead(StmtContext& p) {
   TargetList targets;
   if (!ParseTargetList(p, &targets)) return nullptr;
   return std::make_unique<ReadDataStmt>(p.run.data, std::move(targets));
 }
 
 // RESTORE, RESTORE <stmtIdentifier>, or RESTORE <selector> OF <targets>.
-StatementPtr ParseRestore(Program& p) {
+StatementPtr ParseRestore(StmtContext& p) {
   if (AtLineEnd(p)) return std::make_unique<RestoreAllStmt>(p.run.data);
   ParseAttempt attempt(p);
   if (TargetRef target = ParseTarget(p); target && AtLineEnd(p))
@@ -252,14 +255,10 @@ StatementPtr ParseRestore(Program& p) {
   return attempt.Fail(err::kBadStmtNumber);
 }
 
-StatementPtr ParseOnEnd(Program& p) {
-  if (p.Peek() == tok::kHash) return ParseOnEndFile(p);
+StatementPtr ParseOnEnd(StmtContext& p) {
   TargetRef target = ParseThenTarget(p);
   if (!target) return nullptr;
   return std::make_unique<OnEndDataStmt>(p.run.data, std::move(target));
 }
 
-StatementPtr ParseOffEnd(Program& p) {
-  if (p.Peek() == tok::kHash) return ParseOffEndFile(p);
-  return std::make_unique<OffEndStmt>(p.run.data);
-}
+StatementPtr ParseOffEnd(StmtContext& p) { return std::make_unique<OffEndStmt>(p.run.data); }

@@ -3,14 +3,14 @@
 #include <algorithm>
 
 #include "expr/user_func.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
 class DefSingleStmt final : public Statement {
  public:
-  DefSingleStmt(Program& prog, std::unique_ptr<FuncSpec> spec)
+  DefSingleStmt(StmtContext& prog, std::unique_ptr<FuncSpec> spec)
       : prog_(prog), spec_(std::move(spec)) {}
   // A deleted line must not leave its definition registered.
   ~DefSingleStmt() override { std::erase(prog_.functions, spec_.get()); }
@@ -23,7 +23,7 @@ class DefSingleStmt final : public Statement {
     spec_->List(out);
   }
   bool IsExecutable() const override { return false; }
-  ErrorCode Check(Program& prog) override {
+  ErrorCode Check(StmtContext& prog) override {
     for (const FuncSpec* f : prog.functions)
       if (f->Name() == spec_->Name()) return err::kDuplicateFunction;
     prog.functions.push_back(spec_.get());
@@ -31,13 +31,13 @@ class DefSingleStmt final : public Statement {
   }
 
  private:
-  Program& prog_;
+  StmtContext& prog_;
   std::unique_ptr<FuncSpec> spec_;
 };
 
 }  // namespace
 
-StatementPtr ParseDef(Program& p) {
+StatementPtr ParseDef(StmtContext& p) {
   std::unique_ptr<FuncSpec> spec = ParseFuncSpec(p);
   if (!spec) return nullptr;
   return std::make_unique<DefSingleStmt>(p, std::move(spec));

@@ -5,8 +5,8 @@
 
 #include "base/convert.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -16,9 +16,9 @@ class DimSpec {
   explicit DimSpec(const VarToken* name) : name_(name) {}
   virtual ~DimSpec() = default;
   // Creates the variable in the program; 61 when it exists already.
-  virtual ErrorCode Link(Program& prog) const = 0;
+  virtual ErrorCode Link(StmtContext& prog) const = 0;
   // The variable Link created, for the COM list.
-  virtual CommonEntry Entry(Program& prog) const = 0;
+  virtual CommonEntry Entry(StmtContext& prog) const = 0;
   virtual void List(std::string& out) const = 0;
   virtual size_t Size() const { return sizeof *this; }
   // Two items clash when they declare the same name in the same heap.
@@ -42,12 +42,14 @@ class DimNumericArraySpec final : public DimSpec {
  public:
   DimNumericArraySpec(const VarToken* name, std::vector<uint32_t> bounds)
       : DimSpec(name), bounds_(std::move(bounds)) {}
-  ErrorCode Link(Program& prog) const override {
-    auto& slot = prog.NumericArray(name_);
+  ErrorCode Link(StmtContext& prog) const override {
+    auto& slot = prog.variables.NumericArray(name_);
     if (slot) return err::kDimensionedTwice;
     return MakeNumericArray(name_, DimensionList(bounds_), &slot);
   }
-  CommonEntry Entry(Program& prog) const override { return prog.NumericArray(name_).get(); }
+  CommonEntry Entry(StmtContext& prog) const override {
+    return prog.variables.NumericArray(name_).get();
+  }
   void List(std::string& out) const override {
     out += name_->Name();
     out += '(';
@@ -65,12 +67,14 @@ class DimStringArraySpec final : public DimSpec {
  public:
   DimStringArraySpec(const VarToken* name, std::vector<uint32_t> bounds, uint32_t length)
       : DimSpec(name), bounds_(std::move(bounds)), length_(length) {}
-  ErrorCode Link(Program& prog) const override {
-    auto& slot = prog.StringArray(name_);
+  ErrorCode Link(StmtContext& prog) const override {
+    auto& slot = prog.variables.StringArray(name_);
     if (slot) return err::kDimensionedTwice;
     return MakeStringArray(name_, DimensionList(bounds_), &slot);
   }
-  CommonEntry Entry(Program& prog) const override { return prog.StringArray(name_).get(); }
+  CommonEntry Entry(StmtContext& prog) const override {
+    return prog.variables.StringArray(name_).get();
+  }
   void List(std::string& out) const override {
     out += name_->Name();
     out += '(';
@@ -90,12 +94,12 @@ class DimStringArraySpec final : public DimSpec {
 class DimStringSimpleSpec final : public DimSpec {
  public:
   DimStringSimpleSpec(const VarToken* name, uint32_t length) : DimSpec(name), length_(length) {}
-  ErrorCode Link(Program& prog) const override {
-    if (prog.FindStringSimple(name_)) return err::kDimensionedTwice;
-    prog.StringSimple(name_);
+  ErrorCode Link(StmtContext& prog) const override {
+    if (prog.variables.FindStringSimple(name_)) return err::kDimensionedTwice;
+    prog.variables.StringSimple(name_);
     return 0;
   }
-  CommonEntry Entry(Program& prog) const override { return prog.StringSimple(name_); }
+  CommonEntry Entry(StmtContext& prog) const override { return prog.variables.StringSimple(name_); }
   void List(std::string& out) const override {
     out += name_->Name();
     if (length_) ListLength(out, length_);
@@ -109,12 +113,14 @@ class DimStringSimpleSpec final : public DimSpec {
 class ComNumericSimpleSpec final : public DimSpec {
  public:
   explicit ComNumericSimpleSpec(const VarToken* name) : DimSpec(name) {}
-  ErrorCode Link(Program& prog) const override {
-    if (prog.FindNumericSimple(name_)) return err::kDimensionedTwice;
-    prog.NumericSimple(name_);
+  ErrorCode Link(StmtContext& prog) const override {
+    if (prog.variables.FindNumericSimple(name_)) return err::kDimensionedTwice;
+    prog.variables.NumericSimple(name_);
     return 0;
   }
-  CommonEntry Entry(Program& prog) const override { return prog.NumericSimple(name_); }
+  CommonEntry Entry(StmtContext& prog) const override {
+    return prog.variables.NumericSimple(name_);
+  }
   void List(std::string& out) const override { out += name_->Name(); }
 };
 
@@ -136,7 +142,7 @@ class DimStmt final : public Statement {
     }
   }
   bool IsExecutable() const override { return false; }
-  ErrorCode Check(Program& prog) override {
+  ErrorCode Check(StmtContext& prog) override {
     for (const auto& s : specs_)
       if (ErrorCode code = s->Link(prog)) return Raise(code, Location());
     return 0;
@@ -166,7 +172,7 @@ class ComStmt final : public Statement {
     }
   }
   bool IsExecutable() const override { return false; }
-  ErrorCode Check(Program& prog) override {
+  ErrorCode Check(StmtContext& prog) override {
     for (const Statement* s = Prev(); s; s = s->Prev())
       if (s->IsCode() && s->Code() != tok::kCom) return Raise(err::kComNotFirst, Location());
     for (const auto& s : specs_) {
@@ -182,7 +188,7 @@ class ComStmt final : public Statement {
 
 // A bound or a declared length: a constant rounded half up; 67 below 0.5
 // and when no constant is there.
-bool ParseBound(Program& p, uint32_t* out) {
+bool ParseBound(StmtContext& p, uint32_t* out) {
   float value;
   if (!p.AcceptConstant(&value) || !(value >= 0.5f)) {
     SetParseError(err::kBadArgument);
@@ -195,7 +201,7 @@ bool ParseBound(Program& p, uint32_t* out) {
 
 // "(" bounds ")"; numeric arrays also take "[" and "]", each side on its own.
 // Every failure of the bounds is reported as 47.
-bool ParseDimensions(Program& p, bool numeric, std::vector<uint32_t>* bounds) {
+bool ParseDimensions(StmtContext& p, bool numeric, std::vector<uint32_t>* bounds) {
   if (!p.Accept(tok::kLParen) && !(numeric && p.Accept(tok::kLBracket))) {
     SetParseError(err::kMissingLParen);
     return false;
@@ -218,7 +224,7 @@ bool ParseDimensions(Program& p, bool numeric, std::vector<uint32_t>* bounds) {
 }
 
 // "[" length "]" after a string name or array; 30 and 31 for missing brackets.
-bool ParseLength(Program& p, uint32_t* length) {
+bool ParseLength(StmtContext& p, uint32_t* length) {
   if (!p.Accept(tok::kLBracket)) {
     SetParseError(err::kMissingLBracket);
     return false;
@@ -231,14 +237,14 @@ bool ParseLength(Program& p, uint32_t* length) {
   return true;
 }
 
-const VarToken* NameIn(Program& p, TokenCode category) {
+const VarToken* NameIn(StmtContext& p, TokenCode category) {
   if (tok::Category(p.GetToken()) != category) return nullptr;
   return static_cast<const VarToken*>(p.Symbol());
 }
 
 // One item, its forms tried in a fixed order; each failed attempt restores
 // the position, and a later form is tried only while no error is stored.
-DimSpecPtr ParseDimSpec(Program& p) {
+DimSpecPtr ParseDimSpec(StmtContext& p) {
   ParseAttempt attempt(p);
   std::vector<uint32_t> bounds;
   uint32_t length = 0;
@@ -272,7 +278,7 @@ DimSpecPtr ParseDimSpec(Program& p) {
 }
 
 // A COM item: a plain numeric or string scalar, or anything DIM declares.
-DimSpecPtr ParseComSpec(Program& p) {
+DimSpecPtr ParseComSpec(StmtContext& p) {
   ParseAttempt attempt(p);
   TokenCode code = p.GetToken();
   if (tok::Category(code) == tok::kNumVar && code >= tok::kFirstCoded && p.Symbol())
@@ -285,7 +291,7 @@ DimSpecPtr ParseComSpec(Program& p) {
 }
 
 // Items separated by ","; no name twice in one list.
-StatementPtr ParseSpecList(Program& p, DimSpecPtr (*parseSpec)(Program&), bool com) {
+StatementPtr ParseSpecList(StmtContext& p, DimSpecPtr (*parseSpec)(StmtContext&), bool com) {
   ParseAttempt attempt(p);
   std::vector<DimSpecPtr> specs;
   DimSpecPtr first = parseSpec(p);
@@ -305,5 +311,5 @@ StatementPtr ParseSpecList(Program& p, DimSpecPtr (*parseSpec)(Program&), bool c
 
 }  // namespace
 
-StatementPtr ParseDim(Program& p) { return ParseSpecList(p, ParseDimSpec, false); }
-StatementPtr ParseCom(Program& p) { return ParseSpecList(p, ParseComSpec, true); }
+StatementPtr ParseDim(StmtContext& p) { return ParseSpecList(p, ParseDimSpec, false); }
+StatementPtr ParseCom(StmtContext& p) { return ParseSpecList(p, ParseComSpec, true); }

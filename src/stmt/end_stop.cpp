@@ -3,8 +3,8 @@
 #include "console/console.h"
 #include "lex/parse_attempt.h"
 #include "platform/signals.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -52,17 +52,17 @@ class SleepStmt final : public Statement {
 
 }  // namespace
 
-StatementPtr ParseStop(Program&) { return std::make_unique<StopStmt>(); }
+StatementPtr ParseStop(StmtContext&) { return std::make_unique<StopStmt>(); }
 
 // END IF, END WHILE and END SELECT are the block closers in two words.
-StatementPtr ParseEnd(Program& p) {
+StatementPtr ParseEnd(StmtContext& p) {
   if (p.Accept(tok::kIf)) return ParseEndIf(p);
   if (p.Accept(tok::kWhile)) return ParseEndWhile(p);
   if (p.Accept(tok::kSelect)) return ParseEndSelect(p);
   return std::make_unique<EndStmt>();
 }
 
-StatementPtr ParseSleep(Program& p) {
+StatementPtr ParseSleep(StmtContext& p) {
   ParseAttempt attempt(p);
   NumericExpPtr time = ParseNumericExp(p);
   if (!time) return attempt.Fail(err::kBadNumericExp);

@@ -2,10 +2,10 @@
 // and ENTER #, the number of the terminal's port.
 #include "base/convert.h"
 #include "console/console.h"
+#include "lex/input_scanner.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
-#include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 #include "stmt/targets.h"
 
 namespace {
@@ -122,7 +122,7 @@ class EnterPortStmt final : public Statement {
 };
 
 // "seconds, response, target"; null with the parse error set.
-std::unique_ptr<TimedEntry> ParseTimedEntry(Program& p) {
+std::unique_ptr<TimedEntry> ParseTimedEntry(StmtContext& p) {
   ParseAttempt attempt(p);
   NumericExpPtr seconds = ParseNumericExp(p);
   if (!seconds) return attempt.Fail(err::kBadNumericExp);
@@ -141,7 +141,7 @@ std::unique_ptr<TimedEntry> ParseTimedEntry(Program& p) {
 
 }  // namespace
 
-StatementPtr ParseEnter(Program& p) {
+StatementPtr ParseEnter(StmtContext& p) {
   ParseAttempt attempt(p);
   StatementPtr stmt;
   if (p.Accept(tok::kHash)) {

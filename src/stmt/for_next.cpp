@@ -1,8 +1,8 @@
 // FOR and NEXT: counted loops, linked once and run without a loop stack.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -22,11 +22,11 @@ class NextStmt final : public Statement {
   void Dump(std::string& out) const override;
   int IndentClass() const override { return kCloses; }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     for_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return for_ ? 0 : err::kNextWithoutFor; }
+  ErrorCode Check(StmtContext&) override { return for_ ? 0 : err::kNextWithoutFor; }
   SearchAnswer Answer(Search search, Statement* asker) override;
   const VarToken* Variable() const { return var_->Name(); }
   void Bind(ForStmt* loop) { for_ = loop; }
@@ -79,7 +79,7 @@ class ForStmt final : public BlockOpener {
     out += " Next: ";
     DumpLink(out, next_);
   }
-  ErrorCode Resolve(Program& prog) override {
+  ErrorCode Resolve(StmtContext& prog) override {
     active_ = false;  // a loop left by a previous run is not resumed by a jump
     return BlockOpener::Resolve(prog);
   }
@@ -144,7 +144,7 @@ SearchAnswer NextStmt::Answer(Search search, Statement* asker) {
 
 // The loop variable is a simple numeric variable: NEXT names it, and an
 // array element's subscripts could change under the loop.
-std::unique_ptr<NumericSimpleVar> ParseLoopVar(Program& p) {
+std::unique_ptr<NumericSimpleVar> ParseLoopVar(StmtContext& p) {
   ParseAttempt attempt(p);
   if (tok::Category(p.Peek()) == tok::kNumVar) {
     std::unique_ptr<NumericVar> var = ParseNumericVar(p);
@@ -156,7 +156,7 @@ std::unique_ptr<NumericSimpleVar> ParseLoopVar(Program& p) {
   return attempt.Replace(err::kBadNumericVar);
 }
 
-NumericExpPtr ParseOperand(Program& p) {
+NumericExpPtr ParseOperand(StmtContext& p) {
   ParseAttempt attempt(p);
   NumericExpPtr exp = ParseNumericExp(p);
   if (!exp) return attempt.Fail(err::kBadNumericExp);
@@ -165,7 +165,7 @@ NumericExpPtr ParseOperand(Program& p) {
 
 }  // namespace
 
-StatementPtr ParseFor(Program& p) {
+StatementPtr ParseFor(StmtContext& p) {
   ParseAttempt attempt(p);
   std::unique_ptr<NumericSimpleVar> var = ParseLoopVar(p);
   if (!var) return attempt.Fail();
@@ -181,7 +181,7 @@ StatementPtr ParseFor(Program& p) {
                                    std::move(step));
 }
 
-StatementPtr ParseNext(Program& p) {
+StatementPtr ParseNext(StmtContext& p) {
   TokenCode next = p.Peek();
   if (next == tok::kEndOfLine || next == tok::kComment) return MakeNextWhile(false);
   std::unique_ptr<NumericSimpleVar> var = ParseLoopVar(p);

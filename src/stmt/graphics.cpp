@@ -6,8 +6,8 @@
 #include "base/convert.h"
 #include "gdi/gdi.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -76,7 +76,7 @@ class GdiStmt final : public Statement {
 };
 
 // An expression, or null with the parse error set (the expression's own, else code).
-NumericExpPtr Expect(Program& p, ErrorCode code) {
+NumericExpPtr Expect(StmtContext& p, ErrorCode code) {
   ParseAttempt attempt(p);
   NumericExpPtr exp = ParseNumericExp(p);
   if (!exp) return attempt.Fail(code);
@@ -84,7 +84,7 @@ NumericExpPtr Expect(Program& p, ErrorCode code) {
 }
 
 // "@" number, then count arguments after "; " and between ",".
-StatementPtr ParseGdi(Program& p, const GdiForm& form) {
+StatementPtr ParseGdi(StmtContext& p, const GdiForm& form) {
   if (!p.Accept(tok::kAt)) {
     SetParseError(err::kMissingGdiAt);
     return nullptr;
@@ -104,23 +104,21 @@ StatementPtr ParseGdi(Program& p, const GdiForm& form) {
 
 }  // namespace
 
-StatementPtr ParseWindow(Program& p) { return ParseGdi(p, kWindow); }
-StatementPtr ParseColor(Program& p) { return ParseGdi(p, kColor); }
-StatementPtr ParseMoveTo(Program& p) { return ParseGdi(p, kMoveTo); }
-StatementPtr ParseLineTo(Program& p) { return ParseGdi(p, kLineTo); }
-StatementPtr ParseShow(Program& p) { return ParseGdi(p, kShow); }
-StatementPtr ParseHide(Program& p) { return ParseGdi(p, kHide); }
+StatementPtr ParseWindow(StmtContext& p) { return ParseGdi(p, kWindow); }
+StatementPtr ParseColor(StmtContext& p) { return ParseGdi(p, kColor); }
+StatementPtr ParseMoveTo(StmtContext& p) { return ParseGdi(p, kMoveTo); }
+StatementPtr ParseLineTo(StmtContext& p) { return ParseGdi(p, kLineTo); }
+StatementPtr ParseShow(StmtContext& p) { return ParseGdi(p, kShow); }
+StatementPtr ParseHide(StmtContext& p) { return ParseGdi(p, kHide); }
 
-// CLOSE #n and UPDATE #n are the file statements.
-StatementPtr ParseClose(Program& p) {
+// CLOSE #n and UPDATE #n are the file statements, which the statement table sends to files/.
+StatementPtr ParseClose(StmtContext& p) {
   if (p.Peek() == tok::kAt) return ParseGdi(p, kCloseGdi);
-  if (p.Peek() == tok::kHash) return ParseCloseFile(p);
   SetParseError(err::kNotSupported);
   return nullptr;
 }
-StatementPtr ParseUpdate(Program& p) {
+StatementPtr ParseUpdate(StmtContext& p) {
   if (p.Peek() == tok::kAt) return ParseGdi(p, kUpdateGdi);
-  if (p.Peek() == tok::kHash) return ParseUpdateFile(p);
   SetParseError(err::kNotSupported);
   return nullptr;
 }

@@ -1,8 +1,8 @@
 // IF in its three forms (jump, one statement, block) with ELSE and ENDIF.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -20,11 +20,11 @@ class EndIfStmt final : public Statement {
   int IndentClass() const override { return kCloses; }
   bool IsExecutable() const override { return false; }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     opener_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return opener_ ? 0 : err::kEndIfWithoutIf; }
+  ErrorCode Check(StmtContext&) override { return opener_ ? 0 : err::kEndIfWithoutIf; }
   SearchAnswer Answer(Search search, Statement*) override {
     return AnswerAs(Closer::kEndIf, search, this);
   }
@@ -43,12 +43,12 @@ class ElseStmt final : public Statement {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "ELSE"; }
   int IndentClass() const override { return kMiddle; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     matched_ = false;
     endIf_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return matched_ ? 0 : err::kElseWithoutIf; }
+  ErrorCode Check(StmtContext&) override { return matched_ ? 0 : err::kElseWithoutIf; }
   SearchAnswer Answer(Search search, Statement*) override {
     return AnswerAs(Closer::kElse, search, this);
   }
@@ -138,7 +138,7 @@ class IfStmtLabel final : public Statement {
     target_.List(out);
   }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
     landing_ = target_.Landing();
     return 0;
@@ -174,22 +174,22 @@ class IfStmtStmt final : public Statement {
     successor_ = next;
     then_->SetSuccessor(next);
   }
-  ErrorCode Resolve(Program& prog) override { return then_->Resolve(prog); }
-  ErrorCode Check(Program& prog) override { return then_->Check(prog); }
+  ErrorCode Resolve(StmtContext& prog) override { return then_->Resolve(prog); }
+  ErrorCode Check(StmtContext& prog) override { return then_->Check(prog); }
 
  private:
   NumericExpPtr condition_;
   StatementPtr then_;
 };
 
-bool LineEnds(Program& p) {
+bool LineEnds(StmtContext& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
 }
 
 }  // namespace
 
-StatementPtr ParseIf(Program& p) {
+StatementPtr ParseIf(StmtContext& p) {
   if (p.Accept(tok::kEnd)) return ParseOnEnd(p);
   ParseAttempt attempt(p);
   NumericExpPtr condition = ParseNumericExp(p);
@@ -203,17 +203,13 @@ StatementPtr ParseIf(Program& p) {
     if (LineEnds(p)) return std::make_unique<IfStmtLabel>(std::move(condition), std::move(target));
     then.Rewind();
   }
-  TokenCode keyword = p.Peek();
-  if (RefusedAfterThen(keyword)) return attempt.Fail(err::kNotAfterThen);
   // An IF after THEN would nest one IF's parts inside another's.
-  if (keyword == tok::kIf) return attempt.Fail(err::kCompoundStmt);
-  StatementPtr stmt = ParseStatement(p);
+  if (p.Peek() == tok::kIf) return attempt.Fail(err::kCompoundStmt);
+  StatementPtr stmt = p.ParseAfterThen();
   if (!stmt) return attempt.Fail();
-  // END IF, END WHILE and END SELECT start with END.
-  if (RefusedAfterThen(stmt->Code())) return attempt.Fail(err::kNotAfterThen);
   return std::make_unique<IfStmtStmt>(std::move(condition), std::move(stmt));
 }
 
-StatementPtr ParseElse(Program&) { return std::make_unique<ElseStmt>(); }
+StatementPtr ParseElse(StmtContext&) { return std::make_unique<ElseStmt>(); }
 
-StatementPtr ParseEndIf(Program&) { return std::make_unique<EndIfStmt>(); }
+StatementPtr ParseEndIf(StmtContext&) { return std::make_unique<EndIfStmt>(); }

@@ -1,11 +1,11 @@
 // INPUT: typed values into a list of variables, with the classic re-type prompts.
 #include "console/console.h"
+#include "lex/input_scanner.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/input_loop.h"
-#include "stmt/input_scanner.h"
 #include "stmt/parsers.h"
 #include "stmt/prompted.h"
+#include "stmt/stmt_context.h"
 #include "stmt/targets.h"
 
 namespace {
@@ -121,7 +121,7 @@ void RunInput(Console& con, const char* prompt, InputSlots& slots, uint32_t loca
   }
 }
 
-StatementPtr ParseInput(Program& p) {
+StatementPtr ParseInput(StmtContext& p) {
   ParseAttempt attempt(p);
   TargetList targets;
   if (p.Accept(tok::kString)) {

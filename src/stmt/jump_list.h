@@ -7,4 +7,4 @@ enum class JumpKind { kGoto, kGosub, kRestore };
 
 // Parses "<stmtId>[,<stmtId>...][ELSE <stmtId>]" after the selector and the
 // keyword; onForm selects the "ON <exp> GOTO" listing over "GOTO <exp> OF".
-StatementPtr ParseJumpList(Program& p, JumpKind kind, NumericExpPtr selector, bool onForm);
+StatementPtr ParseJumpList(StmtContext& p, JumpKind kind, NumericExpPtr selector, bool onForm);

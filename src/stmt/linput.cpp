@@ -1,9 +1,9 @@
 // LINPUT: one whole typed line, blanks, quotes and commas included, into a string.
 #include "console/console.h"
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
 #include "stmt/prompted.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -43,7 +43,7 @@ class LinputUserStmt : public Statement {
 }  // namespace
 
 // LINPUT ["prompt",] stringVar, as INPUT takes its prompt.
-StatementPtr ParseLinput(Program& p) {
+StatementPtr ParseLinput(StmtContext& p) {
   ParseAttempt attempt(p);
   std::string prompt;
   bool prompted = p.Accept(tok::kString);

@@ -1,9 +1,9 @@
 // ON <exp> GOTO/GOSUB/RESTORE, ON ERROR and OFF ERROR (the latter two are
 // accepted so that programs load and list, and refuse to run).
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ class OnErrorStmt final : public Statement {
     out += "ON ERROR THEN ";
     target_.List(out);
   }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return Raise(err::kUndefinedTarget, Location());
     landing_ = target_.Landing();
     return g_err.run;
@@ -36,7 +36,7 @@ class OffErrorStmt final : public Statement {
   void List(std::string& out) const override { out += "OFF ERROR"; }
 };
 
-StatementPtr ParseOnError(Program& p) {
+StatementPtr ParseOnError(StmtContext& p) {
   TargetRef target = ParseThenTarget(p);
   if (!target) return nullptr;
   return std::make_unique<OnErrorStmt>(std::move(target));
@@ -44,7 +44,7 @@ StatementPtr ParseOnError(Program& p) {
 
 }  // namespace
 
-StatementPtr ParseOn(Program& p) {
+StatementPtr ParseOn(StmtContext& p) {
   if (p.Accept(tok::kError)) return ParseOnError(p);
   if (p.Accept(tok::kEnd)) return ParseOnEnd(p);
   ParseAttempt attempt(p);
@@ -65,7 +65,7 @@ StatementPtr ParseOn(Program& p) {
   return stmt;
 }
 
-StatementPtr ParseOff(Program& p) {
+StatementPtr ParseOff(StmtContext& p) {
   if (p.Accept(tok::kError)) return std::make_unique<OffErrorStmt>();
   if (p.Accept(tok::kEnd)) return ParseOffEnd(p);
   SetParseError(err::kMissingKeyword);

@@ -5,99 +5,60 @@
 #include "expr/numeric_exp.h"
 #include "stmt/statement.h"
 
-using ParseRoutine = StatementPtr (*)(Program&);
-
-// What the statement table says of a keyword besides its parse routine.
-namespace stmt_kind {
-inline constexpr unsigned kBlock = 1u << 0;        // opens, divides or closes a block
-inline constexpr unsigned kInert = 1u << 1;        // does nothing when run
-inline constexpr unsigned kUnsupported = 1u << 2;  // accepted only as text: kept as a bad line
-}  // namespace stmt_kind
-
-struct KeywordStmtRow {
-  TokenCode code;
-  ParseRoutine parse;  // null exactly when the row is kUnsupported
-  unsigned flags;      // stmt_kind bits
-};
-
-// The statement table's row of a keyword code, or null.
-const KeywordStmtRow* StatementRowOf(TokenCode keyword);
-// Block statements and statements that do nothing when run may not follow THEN.
-bool RefusedAfterThen(TokenCode keyword);
-
-StatementPtr ParseLet(Program& p);         // assign.cpp
-StatementPtr ParseImpliedLet(Program& p);  // assign.cpp: a line without keyword
-StatementPtr ParsePrint(Program& p);       // print.cpp
-StatementPtr ParsePrintUsing(Program& p);  // print_using.cpp: after PRINT USING
-StatementPtr ParseImage(Program& p);
-StatementPtr ParseIf(Program& p);  // if.cpp
-StatementPtr ParseElse(Program& p);
-StatementPtr ParseEndIf(Program& p);
-StatementPtr ParseFor(Program& p);  // for_next.cpp
-StatementPtr ParseNext(Program& p);
-StatementPtr ParseWhile(Program& p);  // while_repeat.cpp
-StatementPtr ParseEndWhile(Program& p);
-StatementPtr ParseRepeat(Program& p);
-StatementPtr ParseUntil(Program& p);
-StatementPtr ParseSelect(Program& p);  // select.cpp
-StatementPtr ParseCase(Program& p);
-StatementPtr ParseEndSelect(Program& p);
-StatementPtr ParseGoto(Program& p);  // branch.cpp
-StatementPtr ParseGosub(Program& p);
-StatementPtr ParseReturn(Program& p);
-StatementPtr ParseOn(Program& p);  // on_off.cpp: dispatches on the word after ON
-StatementPtr ParseOff(Program& p);
-StatementPtr ParseOnEnd(Program& p);    // data.cpp: ON END THEN target (END consumed)
-StatementPtr ParseOffEnd(Program& p);   // data.cpp: OFF END (END consumed)
-StatementPtr ParseRestore(Program& p);  // data.cpp
+StatementPtr ParseLet(StmtContext& p);         // assign.cpp
+StatementPtr ParseImpliedLet(StmtContext& p);  // assign.cpp: a line without keyword
+StatementPtr ParsePrint(StmtContext& p);       // print.cpp
+StatementPtr ParsePrintUsing(StmtContext& p);  // print_using.cpp: after PRINT USING
+StatementPtr ParseImage(StmtContext& p);
+StatementPtr ParseIf(StmtContext& p);  // if.cpp
+StatementPtr ParseElse(StmtContext& p);
+StatementPtr ParseEndIf(StmtContext& p);
+StatementPtr ParseFor(StmtContext& p);  // for_next.cpp
+StatementPtr ParseNext(StmtContext& p);
+StatementPtr ParseWhile(StmtContext& p);  // while_repeat.cpp
+StatementPtr ParseEndWhile(StmtContext& p);
+StatementPtr ParseRepeat(StmtContext& p);
+StatementPtr ParseUntil(StmtContext& p);
+StatementPtr ParseSelect(StmtContext& p);  // select.cpp
+StatementPtr ParseCase(StmtContext& p);
+StatementPtr ParseEndSelect(StmtContext& p);
+StatementPtr ParseGoto(StmtContext& p);  // branch.cpp
+StatementPtr ParseGosub(StmtContext& p);
+StatementPtr ParseReturn(StmtContext& p);
+StatementPtr ParseOn(StmtContext& p);  // on_off.cpp: dispatches on the word after ON
+StatementPtr ParseOff(StmtContext& p);
+StatementPtr ParseOnEnd(StmtContext& p);    // data.cpp: ON END THEN target (END consumed)
+StatementPtr ParseOffEnd(StmtContext& p);   // data.cpp: OFF END (END consumed)
+StatementPtr ParseRestore(StmtContext& p);  // data.cpp
 // branch.cpp: RESTORE <selector> OF <targets> [ELSE <target>], selector parsed.
-StatementPtr ParseRestoreOf(Program& p, NumericExpPtr selector);
-StatementPtr ParseData(Program& p);
-StatementPtr ParseRead(Program& p);
-StatementPtr ParseStop(Program& p);  // end_stop.cpp
-StatementPtr ParseEnd(Program& p);
-StatementPtr ParseSleep(Program& p);
-StatementPtr ParseRem(Program& p);      // simple_stmts.cpp
-StatementPtr ParseDim(Program& p);      // dim.cpp
-StatementPtr ParseCom(Program& p);      // dim.cpp
-StatementPtr ParseChain(Program& p);    // chain.cpp
-StatementPtr ParseDef(Program& p);      // def.cpp
-StatementPtr ParseInput(Program& p);    // input.cpp
-StatementPtr ParseMat(Program& p);      // mat_assign.cpp; its READ, INPUT and PRINT in mat_io.cpp
-StatementPtr ParseLinput(Program& p);   // linput.cpp
-StatementPtr ParseConvert(Program& p);  // convert.cpp
-StatementPtr ParseEnter(Program& p);    // enter.cpp
+StatementPtr ParseRestoreOf(StmtContext& p, NumericExpPtr selector);
+StatementPtr ParseData(StmtContext& p);
+StatementPtr ParseRead(StmtContext& p);
+StatementPtr ParseStop(StmtContext& p);  // end_stop.cpp
+StatementPtr ParseEnd(StmtContext& p);
+StatementPtr ParseSleep(StmtContext& p);
+StatementPtr ParseRem(StmtContext& p);      // simple_stmts.cpp
+StatementPtr ParseDim(StmtContext& p);      // dim.cpp
+StatementPtr ParseCom(StmtContext& p);      // dim.cpp
+StatementPtr ParseChain(StmtContext& p);    // chain.cpp
+StatementPtr ParseDef(StmtContext& p);      // def.cpp
+StatementPtr ParseInput(StmtContext& p);    // input.cpp
+StatementPtr ParseLinput(StmtContext& p);   // linput.cpp
+StatementPtr ParseConvert(StmtContext& p);  // convert.cpp
+StatementPtr ParseEnter(StmtContext& p);    // enter.cpp
 
 // graphics.cpp: the eight statements written with "@" and a GDI number.
-StatementPtr ParseWindow(Program& p);
-StatementPtr ParseClose(Program& p);
-StatementPtr ParseColor(Program& p);
-StatementPtr ParseMoveTo(Program& p);
-StatementPtr ParseLineTo(Program& p);
-StatementPtr ParseUpdate(Program& p);
-StatementPtr ParseShow(Program& p);
-StatementPtr ParseHide(Program& p);
-
-// files.cpp and file_io.cpp: data files.
-StatementPtr ParseFiles(Program& p);
-StatementPtr ParseAssign(Program& p);
-StatementPtr ParseCreate(Program& p);
-StatementPtr ParsePurge(Program& p);
-StatementPtr ParseCloseFile(Program& p);   // CLOSE #n ("CLOSE" consumed)
-StatementPtr ParseReadFile(Program& p);    // READ #... ("READ" consumed)
-StatementPtr ParsePrintFile(Program& p);   // PRINT #...
-StatementPtr ParseUpdateFile(Program& p);  // UPDATE #...
-StatementPtr ParseAdvance(Program& p);
-StatementPtr ParseLock(Program& p);
-StatementPtr ParseUnlock(Program& p);
-StatementPtr ParseOnEndFile(Program& p);   // ON END #... or IF END #... ("END" consumed)
-StatementPtr ParseOffEndFile(Program& p);  // OFF END #...
-// mat_file.cpp: whole arrays through a file ("MAT READ" or "MAT PRINT" consumed).
-StatementPtr ParseMatReadFile(Program& p);
-StatementPtr ParseMatPrintFile(Program& p);
+StatementPtr ParseWindow(StmtContext& p);
+StatementPtr ParseClose(StmtContext& p);
+StatementPtr ParseColor(StmtContext& p);
+StatementPtr ParseMoveTo(StmtContext& p);
+StatementPtr ParseLineTo(StmtContext& p);
+StatementPtr ParseUpdate(StmtContext& p);
+StatementPtr ParseShow(StmtContext& p);
+StatementPtr ParseHide(StmtContext& p);
 
 // classic.cpp: the spellings of old listings.
 // Consumes the keyword, or GO and TO (kGoto) or GO and SUB (kGosub) in two words.
-bool AcceptGo(Program& p, TokenCode keyword);
-StatementPtr ParseClassicGo(Program& p);  // GO TO or GO SUB at a statement's start
-StatementPtr ParseRemWord(Program& p);    // REM run into its remark: REMARK ...
+bool AcceptGo(StmtContext& p, TokenCode keyword);
+StatementPtr ParseClassicGo(StmtContext& p);  // GO TO or GO SUB at a statement's start
+StatementPtr ParseRemWord(StmtContext& p);    // REM run into its remark: REMARK ...

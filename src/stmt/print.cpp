@@ -1,8 +1,8 @@
 // PRINT to the console: bare, or with a print list.
 #include "console/console.h"
 #include "format/print_list.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -52,9 +52,8 @@ class PrintConsoleListStmt final : public PrintStmt {
 
 }  // namespace
 
-StatementPtr ParsePrint(Program& p) {
+StatementPtr ParsePrint(StmtContext& p) {
   TokenCode next = p.Peek();
-  if (next == tok::kHash) return ParsePrintFile(p);
   if (next == tok::kEndOfLine || next == tok::kComment)
     return std::make_unique<PrintConsoleStmt>(p.run);
   if (p.Accept(tok::kUsing)) return ParsePrintUsing(p);

@@ -2,8 +2,8 @@
 // given by a string expression, and the values it lays out.
 #include "console/console.h"
 #include "format/using_list.h"
-#include "shell/program.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ class UsingPart {
   virtual ~UsingPart() = default;
   virtual size_t Size() const = 0;
   virtual void List(std::string& out) const = 0;
-  virtual ErrorCode Resolve(Program&) { return 0; }
+  virtual ErrorCode Resolve(StmtContext&) { return 0; }
   // The format for this execution.
   virtual const ImageFormat& Format() = 0;
 };
@@ -43,7 +43,7 @@ class UsingImagePart final : public UsingPart {
   explicit UsingImagePart(TargetRef target) : target_(std::move(target)) {}
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { target_.List(out); }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     image_ = nullptr;
     const Statement* s = target_.Named();
     if (!s) return err::kUndefinedTarget;
@@ -101,7 +101,7 @@ class PrintConsoleUsingStmt final : public Statement {
     out += ';';
     values_.List(out);
   }
-  ErrorCode Resolve(Program& prog) override { return part_->Resolve(prog); }
+  ErrorCode Resolve(StmtContext& prog) override { return part_->Resolve(prog); }
 
   // The line is written up to where a format error stopped it; a value that
   // failed (and printed as 0) does not stop it and keeps its own error.
@@ -124,7 +124,7 @@ class PrintConsoleUsingStmt final : public Statement {
 
 }  // namespace
 
-StatementPtr ParseImage(Program& p) {
+StatementPtr ParseImage(StmtContext& p) {
   std::string_view text = p.RestOfLine();
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   return std::make_unique<ImageStmt>(text);
@@ -132,7 +132,7 @@ StatementPtr ParseImage(Program& p) {
 
 // After USING: a statement number or label, else a string expression; then
 // ";" and the values, or nothing.
-StatementPtr ParsePrintUsing(Program& p) {
+StatementPtr ParsePrintUsing(StmtContext& p) {
   std::unique_ptr<UsingPart> part;
   if (TargetRef target = ParseTarget(p)) {
     part = std::make_unique<UsingImagePart>(std::move(target));

@@ -1,18 +1,17 @@
-// What a run changes besides the variables: call frames, the DATA position,
-// GOSUB returns, where the run stands and the console it talks to. The
-// program owns one; statements and functions hold on to the parts they use.
+// What a run changes besides the variables: the DATA position, GOSUB returns,
+// where the run stands and the console it talks to. The program owns one;
+// statements and functions hold on to the parts they use.
 #pragma once
 #include <cstdint>
 #include <string>
 
-#include "expr/call_frames.h"
 #include "lex/token.h"
-#include "stmt/file_units.h"
-#include "value/matrix.h"
 
 class Console;
 class DataStmt;
+class FileUnits;
 class Statement;
+struct MatrixWork;
 
 // One constant of a DATA statement.
 struct DataItem {
@@ -32,6 +31,8 @@ struct DataReader {
   // stmt is about to be deleted: a position in it moves to the first DATA
   // statement after it, so that TYP never reads a deleted item (data.cpp).
   void Forget(Statement* stmt);
+  // Reading starts over at the first DATA statement, if there is one.
+  void RestoreFirst();
 };
 
 // The GOSUB return points.
@@ -43,11 +44,12 @@ struct RunFrame {
 };
 
 struct RunState {
-  CallFrames calls;              // parameters of the active DEF calls
   DataReader data;               // the DATA position
   RunFrame frame;                // GOSUB returns
   Statement* current = nullptr;  // set when a run starts; kept after it ends
-  FileUnits files;               // closed by every link and at the end of every run
   Console* console = nullptr;    // PRINT and INPUT go here; bound by each run
-  MatrixWork matrix;             // where MAT products, transposes and inverses are computed
+  // The program's data files and the work area of MAT products, transposes and
+  // inverses: the program owns them, and only files/ and matrix/ look inside.
+  FileUnits* files = nullptr;
+  MatrixWork* matrix = nullptr;
 };

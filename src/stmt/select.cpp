@@ -2,10 +2,10 @@
 #include <vector>
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/case_items.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -18,13 +18,13 @@ class CaseStmt : public Statement {
   Statement* Execute() override { return exit_; }
   TokenCode Code() const override { return tok::kCase; }
   int IndentClass() const override { return kMiddle; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     matched_ = false;
     next_ = nullptr;
     exit_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return matched_ ? 0 : err::kCaseWithoutSelect; }
+  ErrorCode Check(StmtContext&) override { return matched_ ? 0 : err::kCaseWithoutSelect; }
   virtual bool Accepts(float selector) = 0;
   virtual bool Accepts(std::string_view selector) = 0;
 
@@ -102,11 +102,11 @@ class EndSelectStmt final : public Statement {
   int IndentClass() const override { return kCloses; }
   bool IsExecutable() const override { return false; }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     last_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return last_ ? 0 : err::kEndSelectWithoutSelect; }
+  ErrorCode Check(StmtContext&) override { return last_ ? 0 : err::kEndSelectWithoutSelect; }
   SearchAnswer Answer(Search search, Statement*) override {
     return AnswerAs(Closer::kEndSelect, search, this);
   }
@@ -225,14 +225,14 @@ class SelectStringStmt final : public SelectStmt {
   StringValue work_;
 };
 
-bool LineEnds(Program& p) {
+bool LineEnds(StmtContext& p) {
   TokenCode next = p.Peek();
   return next == tok::kEndOfLine || next == tok::kComment;
 }
 
 }  // namespace
 
-StatementPtr ParseSelect(Program& p) {
+StatementPtr ParseSelect(StmtContext& p) {
   ParseAttempt attempt(p);
   if (StringExpPtr text = ParseStringExp(p); text && LineEnds(p))
     return std::make_unique<SelectStringStmt>(std::move(text));
@@ -245,7 +245,7 @@ StatementPtr ParseSelect(Program& p) {
 }
 
 // The first item decides whether the CASE is numeric or string.
-StatementPtr ParseCase(Program& p) {
+StatementPtr ParseCase(StmtContext& p) {
   if (p.Accept(tok::kElse)) return std::make_unique<CaseElseStmt>();
   ParseAttempt attempt(p);
   if (StartsStringCase(p)) {
@@ -258,4 +258,4 @@ StatementPtr ParseCase(Program& p) {
   return attempt.Fail();
 }
 
-StatementPtr ParseEndSelect(Program&) { return std::make_unique<EndSelectStmt>(); }
+StatementPtr ParseEndSelect(StmtContext&) { return std::make_unique<EndSelectStmt>(); }

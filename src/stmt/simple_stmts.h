@@ -86,7 +86,7 @@ class InvalidStmt final : public Statement {
   }
   bool IsExecutable() const override { return false; }
   ErrorCode ParseError() const override { return code_; }
-  ErrorCode Check(Program&) override { return code_; }
+  ErrorCode Check(StmtContext&) override { return code_; }
 
  private:
   std::string text_;

@@ -9,8 +9,7 @@
 #include "lex/token.h"
 
 class ImageFormat;
-class Program;
-class TargetLabel;
+class StmtContext;
 
 // The block searches of the link pass; an opener asks the statements after it.
 // The columns of the answer table in blocks.cpp follow this order.
@@ -61,9 +60,9 @@ class Statement : public BaseNode_T<Statement> {
   Statement* NextExecutable() const;
   virtual void SetSuccessor(Statement* next) { successor_ = next; }
   // First link operation: bind statement references; clear match links.
-  virtual ErrorCode Resolve(Program&) { return 0; }
+  virtual ErrorCode Resolve(StmtContext&) { return 0; }
   // Second link operation: block matching, placement rules, declarations.
-  virtual ErrorCode Check(Program&) { return 0; }
+  virtual ErrorCode Check(StmtContext&) { return 0; }
   // The error a bad line keeps.
   virtual ErrorCode ParseError() const { return 0; }
   // The format of an IMAGE statement, or null.
@@ -102,8 +101,5 @@ class Statement : public BaseNode_T<Statement> {
 };
 using StatementPtr = std::unique_ptr<Statement>;
 
-// Parses the statement that starts at the tokenizer's position (after any
-// label); null with the parse error set when it fails.
-StatementPtr ParseStatement(Program& prog);
 // Appends the successor's number as a dump shows it ("%u  " or "<nullptr>").
 void DumpLink(std::string& out, const Statement* stmt);

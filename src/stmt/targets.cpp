@@ -1,11 +1,11 @@
 #include "stmt/targets.h"
 
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
-std::unique_ptr<Target> ParseOneTarget(Program& p) {
+std::unique_ptr<Target> ParseOneTarget(StmtContext& p) {
   if (auto numeric = ParseNumericVar(p)) return std::make_unique<NumericTarget>(std::move(numeric));
   if (auto text = ParseStringVar(p)) return std::make_unique<StringTarget>(std::move(text));
   return nullptr;
@@ -13,7 +13,7 @@ std::unique_ptr<Target> ParseOneTarget(Program& p) {
 
 }  // namespace
 
-bool ParseTargetList(Program& p, TargetList* out) {
+bool ParseTargetList(StmtContext& p, TargetList* out) {
   ParseAttempt attempt(p);
   auto first = ParseOneTarget(p);
   if (!first) return true;

@@ -7,6 +7,8 @@
 
 #include "expr/variables.h"
 
+class StmtContext;
+
 // One variable of a READ or INPUT list.
 class Target {
  public:
@@ -49,6 +51,6 @@ using TargetList = std::vector<std::unique_ptr<Target>>;
 // Parses variables separated by ","; a numeric reading of a name is tried
 // before a string one. Empty (position restored) when no variable starts the
 // list; false with kBadTarget stored when a comma is followed by no variable.
-bool ParseTargetList(Program& p, TargetList* out);
+bool ParseTargetList(StmtContext& p, TargetList* out);
 size_t TargetsSize(const TargetList& targets);
 void ListTargets(std::string& out, const TargetList& targets);  // "A,B$(2)"

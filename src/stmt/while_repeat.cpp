@@ -1,8 +1,8 @@
 // WHILE ... NEXT/ENDWHILE and REPEAT ... UNTIL: condition loops.
 #include "lex/parse_attempt.h"
-#include "shell/program.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
+#include "stmt/stmt_context.h"
 
 namespace {
 
@@ -20,11 +20,11 @@ class NextWhileStmt final : public Statement {
   void Dump(std::string& out) const override;
   int IndentClass() const override { return kCloses; }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     while_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return while_ ? 0 : err::kNextWithoutWhile; }
+  ErrorCode Check(StmtContext&) override { return while_ ? 0 : err::kNextWithoutWhile; }
   SearchAnswer Answer(Search search, Statement*) override {
     return AnswerAs(Closer::kNextWhile, search, this);
   }
@@ -92,11 +92,11 @@ class UntilStmt final : public Statement {
   void Dump(std::string& out) const override;
   int IndentClass() const override { return kCloses; }
   bool IsBlock() const override { return true; }
-  ErrorCode Resolve(Program&) override {
+  ErrorCode Resolve(StmtContext&) override {
     repeat_ = nullptr;
     return 0;
   }
-  ErrorCode Check(Program&) override { return repeat_ ? 0 : err::kUntilWithoutRepeat; }
+  ErrorCode Check(StmtContext&) override { return repeat_ ? 0 : err::kUntilWithoutRepeat; }
   SearchAnswer Answer(Search search, Statement*) override {
     return AnswerAs(Closer::kUntil, search, this);
   }
@@ -148,7 +148,7 @@ void UntilStmt::Dump(std::string& out) const {
   DumpLink(out, repeat_);
 }
 
-NumericExpPtr ParseCondition(Program& p) {
+NumericExpPtr ParseCondition(StmtContext& p) {
   ParseAttempt attempt(p);
   NumericExpPtr exp = ParseNumericExp(p);
   if (!exp) return attempt.Fail(err::kBadNumericExp);
@@ -159,17 +159,17 @@ NumericExpPtr ParseCondition(Program& p) {
 
 StatementPtr MakeNextWhile(bool endWhile) { return std::make_unique<NextWhileStmt>(endWhile); }
 
-StatementPtr ParseWhile(Program& p) {
+StatementPtr ParseWhile(StmtContext& p) {
   NumericExpPtr condition = ParseCondition(p);
   if (!condition) return nullptr;
   return std::make_unique<WhileStmt>(std::move(condition));
 }
 
-StatementPtr ParseEndWhile(Program&) { return MakeNextWhile(true); }
+StatementPtr ParseEndWhile(StmtContext&) { return MakeNextWhile(true); }
 
-StatementPtr ParseRepeat(Program&) { return std::make_unique<RepeatStmt>(); }
+StatementPtr ParseRepeat(StmtContext&) { return std::make_unique<RepeatStmt>(); }
 
-StatementPtr ParseUntil(Program& p) {
+StatementPtr ParseUntil(StmtContext& p) {
   NumericExpPtr condition = ParseCondition(p);
   if (!condition) return nullptr;
   return std::make_unique<UntilStmt>(std::move(condition));

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "base/errors.h"
-#include "stmt/file_units.h"
-#include "value/data_file.h"
+#include "files/data_file.h"
+#include "files/file_units.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "console/console.h"
-#include "shell/program.h"
+#include "program/program.h"
 
 namespace {
 

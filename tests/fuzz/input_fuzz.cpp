@@ -6,10 +6,10 @@
 #include <string>
 
 #include "fuzz_support.h"
+#include "lex/input_scanner.h"
 #include "platform/break_flag.h"
-#include "shell/program.h"
-#include "shell/run.h"
-#include "stmt/input_scanner.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "fuzz_support.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 
@@ -64,9 +64,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (std::string(MessageOf(code)) == "OK!" && code != 0) std::abort();
     for (const char* name : {"A", "B", "C", "V"})
       if (const VarToken* symbol = prog->Table(tok::kNumArray).Find(name))
-        if (const auto& array = prog->NumericArray(symbol); array && !Sound(*array)) std::abort();
+        if (const auto& array = prog->variables.NumericArray(symbol); array && !Sound(*array))
+          std::abort();
     if (const VarToken* symbol = prog->Table(tok::kStrArray).Find("S$"))
-      if (const auto& array = prog->StringArray(symbol); array && !Sound(*array)) std::abort();
+      if (const auto& array = prog->variables.StringArray(symbol); array && !Sound(*array))
+        std::abort();
   }
   fuzz::ResetState();
   return 0;

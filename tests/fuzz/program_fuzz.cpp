@@ -12,9 +12,9 @@
 
 #include "fuzz_support.h"
 #include "platform/break_flag.h"
-#include "shell/loader.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/loader.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 

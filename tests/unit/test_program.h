@@ -10,8 +10,8 @@
 #include <string_view>
 
 #include "console/console.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace test_program {
 

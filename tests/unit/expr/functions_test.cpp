@@ -7,7 +7,7 @@
 
 #include "expr/random.h"
 #include "platform/system_clock.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "test_program.h"
 
 namespace {

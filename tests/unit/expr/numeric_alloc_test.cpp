@@ -69,7 +69,7 @@ TEST_F(NumericAlloc, EvaluationAllocatesNothing) {
   ASSERT_EQ(prog.Peek(), tok::kEndOfLine);
   {
     const VarToken* b = prog.Table(tok::kNumArray).FindOrCreate("B");
-    ASSERT_EQ(MakeNumericArray(b, DimensionList({3, 3}), &prog.NumericArray(b)), 0u);
+    ASSERT_EQ(MakeNumericArray(b, DimensionList({3, 3}), &prog.variables.NumericArray(b)), 0u);
   }
   ASSERT_EQ(LinkAll(prog), 0u);
   Set("X", 3);

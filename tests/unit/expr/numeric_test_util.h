@@ -3,7 +3,7 @@
 #include <string>
 
 #include "expr/numeric_exp.h"
-#include "shell/program.h"
+#include "program/program.h"
 #include "test_program.h"
 
 namespace numeric_test {

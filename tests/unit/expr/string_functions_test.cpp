@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "shell/program.h"
+#include "program/program.h"
 #include "test_program.h"
 
 namespace {

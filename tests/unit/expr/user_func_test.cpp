@@ -7,8 +7,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 
 namespace {
 
@@ -97,7 +97,7 @@ TEST_F(UserFuncTest, NumericCalls) {
   EXPECT_EQ(Num("FNB()+1"), 6.0f);
   EXPECT_EQ(Num("FNH(3,4)"), 5.0f);
   EXPECT_EQ(Num("FNA(FNA(FNB()))"), 20.0f);  // arguments are evaluated in the caller's frame
-  EXPECT_TRUE(prog_.run.calls.Idle());
+  EXPECT_TRUE(prog_.calls.Idle());
 }
 
 TEST_F(UserFuncTest, ParametersShadowGlobalsOnlyInTheBody) {
@@ -117,7 +117,7 @@ TEST_F(UserFuncTest, StringCalls) {
   EXPECT_EQ(Str("FNI$(\"x\")+FNI$(\"y\")"), "xy");  // each result is copied out of its frame
   EXPECT_EQ(Str("FNI$(FNJ$(\"p\",1,\"qr\"))"), "pq");
   EXPECT_EQ(Num("FNL(\"four\")+FNL(\"\")"), 4.0f);
-  EXPECT_TRUE(prog_.run.calls.Idle());
+  EXPECT_TRUE(prog_.calls.Idle());
 }
 
 TEST_F(UserFuncTest, RecursionIsRefusedAtTheSecondEntryOfACallSite) {
@@ -127,7 +127,7 @@ TEST_F(UserFuncTest, RecursionIsRefusedAtTheSecondEntryOfACallSite) {
   EXPECT_EQ(g_err.run, 1010u);
   // Other call sites are unaffected and the frames are unwound.
   EXPECT_EQ(Num("FNC(2)"), 2.0f);
-  EXPECT_TRUE(prog_.run.calls.Idle());
+  EXPECT_TRUE(prog_.calls.Idle());
   // The same call site twice in one expression is not recursion.
   EXPECT_EQ(Num("FNC(FNC(3))"), 3.0f);
 }

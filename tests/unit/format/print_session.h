@@ -9,8 +9,8 @@
 #include <string>
 
 #include "console/console.h"
-#include "shell/program.h"
-#include "shell/run.h"
+#include "program/program.h"
+#include "program/run.h"
 #include "test_program.h"
 
 namespace print_test {

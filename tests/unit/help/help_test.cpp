@@ -10,7 +10,6 @@
 
 #include "help/help_tree.h"
 #include "lex/keywords.h"
-#include "shell/shell.h"
 #include "test_program.h"
 
 namespace {
@@ -138,16 +137,6 @@ TEST(HelpEntries, EveryKeywordHasOne) {
     EXPECT_TRUE(statements.count(e.name)) << e.name;
   for (const HelpEntry& e : HelpFunctions().Entries())
     EXPECT_TRUE(functions.count(e.name)) << e.name;
-}
-
-TEST(HelpEntries, EveryCommandHasOne) {
-  std::set<std::string> commands;
-  for (std::string_view name : CommandNames()) {
-    if (name == "TEST") continue;  // in the table, but answers "???" like an unknown word
-    commands.emplace(name);
-    EXPECT_NE(EntryOf(HelpCommands(), name), nullptr) << name;
-  }
-  for (const HelpEntry& e : HelpCommands().Entries()) EXPECT_TRUE(commands.count(e.name)) << e.name;
 }
 
 TEST(HelpEntries, SizesAndWidths) {

@@ -62,7 +62,7 @@ TEST(Data, RestoreToANamedStatement) {
 
 // ON and OFF hand over to these parsers after END; the statement goes in by number.
 void InsertParsed(Program& prog, uint32_t number, const char* text,
-                  StatementPtr (*parse)(Program&)) {
+                  StatementPtr (*parse)(StmtContext&)) {
   prog.StartLine(text);
   StatementPtr s = parse(prog);
   ASSERT_TRUE(s) << text;
@@ -78,8 +78,10 @@ TEST(Data, OnEndJumpsWhenDataRunsOut) {
   ASSERT_EQ(LinkAndRun(*prog), 0u);
   EXPECT_EQ(Num(*prog, "A"), 1.0f);
   EXPECT_EQ(Num(*prog, "C"), 1.0f);
-  EXPECT_TRUE(IsUndefined(prog->NumericSimple(prog->Table(tok::kNumVar).Find("B"))->value));
-  EXPECT_TRUE(IsUndefined(prog->NumericSimple(prog->Table(tok::kNumVar).Find("D"))->value));
+  EXPECT_TRUE(
+      IsUndefined(prog->variables.NumericSimple(prog->Table(tok::kNumVar).Find("B"))->value));
+  EXPECT_TRUE(
+      IsUndefined(prog->variables.NumericSimple(prog->Table(tok::kNumVar).Find("D"))->value));
 
   InsertParsed(*prog, 25, "", ParseOffEnd);
   EXPECT_EQ(LinkAndRun(*prog), 1011u);

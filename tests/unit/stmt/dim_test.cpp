@@ -37,14 +37,14 @@ TEST(Dim, LinkCreatesDeclaredArrays) {
   ASSERT_EQ(Link(*prog), 0u);
   const VarToken* a = static_cast<const VarToken*>(prog->Table(tok::kNumArray).Find("A"));
   ASSERT_TRUE(a);
-  auto& array = prog->NumericArray(a);
+  auto& array = prog->variables.NumericArray(a);
   ASSERT_TRUE(array);
   EXPECT_EQ(array->count, 12u);
   EXPECT_TRUE(IsUndefined(array->elements[11]));
   const VarToken* s = prog->Table(tok::kStrArray).Find("S$");
   ASSERT_TRUE(s);
-  EXPECT_EQ(prog->StringArray(s)->count, 2u);
-  EXPECT_TRUE(prog->FindStringSimple(prog->Table(tok::kStrVar).Find("T$")));
+  EXPECT_EQ(prog->variables.StringArray(s)->count, 2u);
+  EXPECT_TRUE(prog->variables.FindStringSimple(prog->Table(tok::kStrVar).Find("T$")));
   // A reference after the DIM binds to the declared shape: A(3,4) is in bounds.
   EXPECT_EQ(Num(*prog, "A(3,4)"), 0.0f);
   // Linking again starts from clean storage, so no 61.

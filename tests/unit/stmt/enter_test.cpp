@@ -70,7 +70,8 @@ TEST(Enter, AnsweredInTimeTooLateAndOfTheWrongType) {
   EXPECT_EQ(Num(*run.prog, "C"), 13.0f);
   EXPECT_EQ(Num(*run.prog, "T"), 2.0f);
   EXPECT_EQ(Num(*run.prog, "U"), -2.0f);  // negated: "abc" is no number, and D stays undefined
-  EXPECT_TRUE(IsUndefined(run.prog->NumericSimple(run.prog->Table(tok::kNumVar).Find("D"))->value));
+  EXPECT_TRUE(IsUndefined(
+      run.prog->variables.NumericSimple(run.prog->Table(tok::kNumVar).Find("D"))->value));
   EXPECT_EQ(run.out, "12\n13\nabc\n");
 }
 

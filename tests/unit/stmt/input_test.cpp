@@ -1,78 +1,8 @@
-// INPUT: the item scanner's classes and every prompt and re-type flow.
+// INPUT: every prompt and re-type flow.
 #include "program_fixture.h"
-#include "stmt/input_scanner.h"
 
 namespace {
 using namespace stmt_test;
-
-struct Scan {
-  unsigned cls;
-  std::string text;
-};
-
-std::vector<Scan> ScanAll(const char* line) {
-  InputScanner scanner;
-  scanner.Start(line);
-  std::vector<Scan> items;
-  for (int i = 0; i < 10; ++i) {
-    unsigned cls = scanner.Next();
-    items.push_back({cls, std::string(scanner.Text())});
-    if (cls == item::kEnd || (cls != item::kEmpty && cls != item::kString && cls != item::kText &&
-                              (cls < 12 || cls > 15)))
-      break;
-  }
-  return items;
-}
-
-unsigned FirstClass(const char* line) { return ScanAll(line).front().cls; }
-
-TEST(InputScanner, NumberClasses) {
-  EXPECT_EQ(FirstClass("12"), 12u);
-  EXPECT_EQ(FirstClass("0"), 12u);
-  EXPECT_EQ(FirstClass("0x1f"), 13u);
-  EXPECT_EQ(FirstClass("0XAB,"), 13u);
-  EXPECT_EQ(FirstClass("1.5"), 14u);
-  EXPECT_EQ(FirstClass(".5"), 14u);
-  EXPECT_EQ(FirstClass("1E5"), 15u);
-  EXPECT_EQ(FirstClass("2.5e-3"), 15u);
-  EXPECT_EQ(FirstClass("0x"), 10u);
-  EXPECT_EQ(FirstClass("0xG"), 10u);
-  EXPECT_EQ(FirstClass("0x1g"), 10u);
-  EXPECT_EQ(FirstClass("12a"), 10u);
-  EXPECT_EQ(FirstClass("1 "), 10u);  // a blank after a number is no separator
-  EXPECT_EQ(FirstClass("1.5x"), 6u);
-  EXPECT_EQ(FirstClass("1Ex"), 6u);
-  EXPECT_EQ(FirstClass("1E5x"), 6u);
-  EXPECT_EQ(FirstClass("1E+"), 5u);
-  EXPECT_EQ(FirstClass("-5"), 21u);  // a sign starts text
-}
-
-TEST(InputScanner, TextAndStrings) {
-  auto items = ScanAll("  two  words  ,\"q,x\" , 'x");
-  ASSERT_EQ(items.size(), 3u);
-  EXPECT_EQ(items[0].cls, 21u);
-  EXPECT_EQ(items[0].text, "two  words");
-  EXPECT_EQ(items[1].cls, 11u);
-  EXPECT_EQ(items[1].text, "q,x");
-  EXPECT_EQ(items[2].cls, 8u);
-
-  items = ScanAll("\"ab\"'65\"cd\" '66 '67,\"\"\"e\"");
-  EXPECT_EQ(items[0].text, "abAcdBC");
-  EXPECT_EQ(items[1].cls, 11u);
-  EXPECT_EQ(items[1].text, "e");
-  EXPECT_EQ(items[2].cls, 2u);
-
-  EXPECT_EQ(FirstClass("\"open"), 7u);
-  EXPECT_EQ(FirstClass("\"a\" b"), 8u);
-  EXPECT_EQ(FirstClass("'256"), 8u);
-  EXPECT_EQ(FirstClass("'99999999999999999999"), 8u);
-  EXPECT_EQ(FirstClass(",5"), 0u);
-  EXPECT_EQ(FirstClass("   "), 2u);
-  EXPECT_EQ(FirstClass("7\n"), 12u);
-
-  items = ScanAll("'0");  // a NUL character is part of the text
-  EXPECT_EQ(items[0].text, std::string(1, '\0'));
-}
 
 // Runs "10 <statement>" with the typed lines; returns the console output.
 struct InputRun {
@@ -155,7 +85,8 @@ TEST(Input, EmptyLineEndsTheInput) {
   InputRun run("10 INPUT A,B", "1\n\n");
   EXPECT_EQ(run.result, 0u);
   EXPECT_EQ(Num(*run.prog, "A"), 1.0f);
-  EXPECT_TRUE(IsUndefined(run.prog->NumericSimple(run.prog->Table(tok::kNumVar).Find("B"))->value));
+  EXPECT_TRUE(IsUndefined(
+      run.prog->variables.NumericSimple(run.prog->Table(tok::kNumVar).Find("B"))->value));
 }
 
 TEST(Input, EndOfInputEndsTheRunWithEndOfFile) {

@@ -32,7 +32,9 @@ class NumericStorage : public ::testing::Test {
   // Declares an array as DIM would.
   void Dim(const char* name, std::vector<uint32_t> bounds) {
     const VarToken* sym = prog.Table(tok::kNumArray).FindOrCreate(name);
-    ASSERT_EQ(MakeNumericArray(sym, DimensionList(std::move(bounds)), &prog.NumericArray(sym)), 0u);
+    ASSERT_EQ(
+        MakeNumericArray(sym, DimensionList(std::move(bounds)), &prog.variables.NumericArray(sym)),
+        0u);
   }
   // A linked assignment target.
   std::unique_ptr<NumericVar> Target(const char* text) {
@@ -100,7 +102,7 @@ TEST_F(NumericStorage, ScalarsStartUndefinedAndAssignStoresAnything) {
 
 TEST_F(NumericStorage, ImplicitArrayOfTenWithRoundedSubscripts) {
   auto a = Target("A(1)");
-  const NumericScriptData& data = *prog.NumericArray(a->Name());
+  const NumericScriptData& data = *prog.variables.NumericArray(a->Name());
   ASSERT_EQ(data.count, 10u);
   for (uint32_t i = 0; i < data.count; ++i) EXPECT_EQ(BitsOf(data.elements[i]), 0xFFFF0000u);
   Target("A(10.4)")->Assign(10);
@@ -133,7 +135,7 @@ TEST_F(NumericStorage, OnlyTheLastSubscriptIsChecked) {
   Dim("B", {3, 3});
   Target("B(1,2)")->Assign(12);
   Target("B(2,3)")->Assign(23);
-  const NumericScriptData& b = *prog.NumericArray(prog.Table(tok::kNumArray).Find("B"));
+  const NumericScriptData& b = *prog.variables.NumericArray(prog.Table(tok::kNumArray).Find("B"));
   EXPECT_EQ(b.elements[1], 12.0f);
   EXPECT_EQ(b.elements[5], 23.0f);  // row-major: (2-1)*3 + (3-1)
   ErrorCode error = 0;
@@ -178,7 +180,7 @@ TEST_F(NumericStorage, LinkingArrays) {
   prog.StartLine("U(1,2)");
   auto undeclared = ParseNumericVar(prog);
   EXPECT_EQ(static_cast<Reference&>(*undeclared).Link(prog), 65u);
-  EXPECT_EQ(prog.NumericArray(undeclared->Name()), nullptr);
+  EXPECT_EQ(prog.variables.NumericArray(undeclared->Name()), nullptr);
   prog.StartLine("I(1)");
   auto implicit = ParseNumericVar(prog);
   EXPECT_EQ(static_cast<Reference&>(*implicit).Link(prog), 0u);

@@ -1,0 +1,239 @@
+#include "files/file_units.h"
+
+#include <sys/stat.h>
+
+#include <cmath>
+
+#include "base/convert.h"
+#include "base/errors.h"
+#include "stmt/targets.h"
+
+namespace {
+constexpr float kTypeNumber = 1, kTypeString = 2, kTypeEndFile = 3, kTypeEndRecord = 4;
+}  // namespace
+
+OpenStatus FileUnit::Open(const std::string& path, bool readOnly) {
+  Close();
+  OpenStatus status = file_.Open(path, readOnly);
+  record_ = 1;
+  word_ = 0;
+  item_ = 1;
+  return status;
+}
+
+void FileUnit::Close() {
+  file_.Close();
+  record_ = 1;
+  word_ = 0;
+  item_ = 1;
+}
+
+FileUnit::Result FileUnit::Failed(uint32_t code) {
+  SetRunError(code);
+  return kFail;
+}
+
+FileUnit::Result FileUnit::Load() { return file_.Load(record_) ? kOk : Failed(err::kFileError); }
+
+FileUnit::Result FileUnit::Seek(float record) {
+  if (!file_.Store()) return Failed(err::kFileError);
+  int64_t r;
+  if (std::isnan(record) || !conv::RoundIn(record, 1, INT64_MAX, &r)) {
+    if (record > 0) return kEnd;  // beyond any file: an infinity
+    return Failed(err::kArgOutOfRange);
+  }
+  if (r > file_.Records()) return kEnd;
+  record_ = static_cast<uint32_t>(r);
+  word_ = 0;
+  item_ = 1;
+  return kOk;
+}
+
+FileUnit::Result FileUnit::Next(FileItem* item, bool bound) {
+  for (;;) {
+    if (Result r = Load(); r != kOk) return r;
+    *item = file_.ItemAt(word_);
+    switch (item->kind) {
+      case FileItem::kNumber:
+      case FileItem::kString:
+        return kOk;
+      case FileItem::kEndFile:
+        return kEnd;
+      case FileItem::kDamaged:
+        return Failed(err::kFileDamaged);
+      case FileItem::kEndRecord:
+        if (bound || record_ >= file_.Records()) return kEnd;
+        ++record_;
+        word_ = 0;
+        item_ = 1;
+        break;
+    }
+  }
+}
+
+FileUnit::Result FileUnit::Read(Target& target, bool bound) {
+  FileItem item;
+  if (Result r = Next(&item, bound); r != kOk) return r;
+  bool isString = item.kind == FileItem::kString;
+  if (isString != target.IsString()) return Failed(err::kDataWrongType);  // the item stays
+  word_ += item.words;
+  ++item_;
+  if (!isString) {
+    target.Assign(item.number);
+    return kOk;
+  }
+  // A subscript of the target may read another record into the buffer first.
+  scratch_.assign(item.text);
+  target.Assign(std::string_view(scratch_));
+  return kOk;
+}
+
+FileUnit::Result FileUnit::Room(uint32_t size, bool bound) {
+  if (!file_.Writable()) return Failed(err::kFileReadOnly);
+  uint32_t words = file_.Words();
+  if (size > words) return Failed(err::kStringOverflow);  // fits in no record of the file
+  for (;;) {
+    if (Result r = Load(); r != kOk) return r;
+    if (word_ + size <= words) return kOk;
+    if (bound) return kEnd;
+    // Serial writing flows into the next record; the rest of this one is marked unused.
+    if (word_ < words) file_.PutEndRecord(word_);
+    if (record_ >= file_.Records()) return kEnd;
+    if (!file_.Store()) return Failed(err::kFileError);
+    ++record_;
+    word_ = 0;
+    item_ = 1;
+  }
+}
+
+FileUnit::Result FileUnit::WriteNumber(float value, bool bound) {
+  if (Result r = Room(data_file::kNumberWords, bound); r != kOk) return r;
+  file_.PutNumber(word_, value);
+  word_ += data_file::kNumberWords;
+  ++item_;
+  return kOk;
+}
+
+FileUnit::Result FileUnit::WriteString(std::string_view text, bool bound) {
+  uint64_t size = data_file::StringWords(text.size());
+  if (size > file_.Words()) return Failed(err::kStringOverflow);
+  if (Result r = Room(static_cast<uint32_t>(size), bound); r != kOk) return r;
+  file_.PutString(word_, text);
+  word_ += static_cast<uint32_t>(size);
+  ++item_;
+  return kOk;
+}
+
+FileUnit::Result FileUnit::WriteEndFile() {
+  if (!file_.Writable()) return Failed(err::kFileReadOnly);
+  if (Result r = Load(); r != kOk) return r;
+  if (word_ >= file_.Words()) {
+    // A full record: the mark opens the next one, if there is one.
+    if (record_ >= file_.Records()) return kOk;
+    if (!file_.Store()) return Failed(err::kFileError);
+    ++record_;
+    word_ = 0;
+    item_ = 1;
+    if (Result r = Load(); r != kOk) return r;
+  }
+  file_.PutEndFile(word_);
+  return kOk;
+}
+
+FileUnit::Result FileUnit::FinishWrite(bool endRecord) {
+  if (endRecord && file_.Writable() && word_ < file_.Words() && Load() == kOk)
+    file_.PutEndRecord(word_);
+  return file_.Store() ? kOk : Failed(err::kFileError);
+}
+
+FileUnit::Result FileUnit::UpdateNumber(float value) {
+  if (!file_.Writable()) return Failed(err::kFileReadOnly);
+  FileItem item;
+  if (Result r = Next(&item, false); r != kOk) return r;
+  if (item.kind != FileItem::kNumber) return Failed(err::kDataWrongType);
+  file_.PutNumber(word_, value);
+  word_ += item.words;
+  ++item_;
+  return kOk;
+}
+
+FileUnit::Result FileUnit::UpdateString(std::string_view text) {
+  if (!file_.Writable()) return Failed(err::kFileReadOnly);
+  FileItem item;
+  if (Result r = Next(&item, false); r != kOk) return r;
+  if (item.kind != FileItem::kString) return Failed(err::kDataWrongType);
+  if (text.size() > item.text.size()) return Failed(err::kStringOverflow);
+  // The item keeps its length, so the items after it stay where they are.
+  scratch_.assign(text);
+  scratch_.append(item.text.size() - text.size(), ' ');
+  file_.PutString(word_, scratch_);
+  word_ += item.words;
+  ++item_;
+  return kOk;
+}
+
+FileUnit::Result FileUnit::Skip(uint64_t count, uint64_t* left) {
+  *left = count;
+  while (*left > 0) {
+    FileItem item;
+    Result r = Next(&item, false);
+    if (r == kEnd) return kOk;
+    if (r != kOk) return r;
+    word_ += item.words;
+    ++item_;
+    --*left;
+  }
+  return kOk;
+}
+
+float FileUnit::Type(bool acrossRecords) {
+  uint32_t record = record_, word = word_, item = item_;
+  FileItem next;
+  Result r = Next(&next, !acrossRecords);
+  float type = kTypeEndFile;
+  if (r == kOk) {
+    type = next.kind == FileItem::kString ? kTypeString : kTypeNumber;
+  } else if (r == kEnd && !acrossRecords && next.kind == FileItem::kEndRecord &&
+             record_ < file_.Records()) {
+    type = kTypeEndRecord;
+  }
+  record_ = record;
+  word_ = word;
+  item_ = item;
+  return type;
+}
+
+FileUnit* FileUnits::Unit(float number) {
+  int64_t n;
+  if (!conv::RoundIn(number, 1, kUnits, &n)) {
+    SetRunError(err::kBadFileNumber);
+    return nullptr;
+  }
+  return &units_[n - 1];
+}
+
+FileUnit* FileUnits::OpenUnit(float number) {
+  FileUnit* unit = Unit(number);
+  if (unit && !unit->IsOpen()) {
+    SetRunError(err::kFileNotOpen);
+    return nullptr;
+  }
+  return unit;
+}
+
+bool FileUnits::Holds(const std::string& path) const {
+  struct stat st;
+  if (stat(path.c_str(), &st) != 0) return false;
+  for (const FileUnit& unit : units_)
+    if (unit.IsOpen() && unit.File().Device() == st.st_dev && unit.File().Inode() == st.st_ino)
+      return true;
+  return false;
+}
+
+void FileUnits::CloseAll() {
+  for (FileUnit& unit : units_) {
+    unit.Close();
+    unit.endTarget = nullptr;
+  }
+  declared = 0;
+}

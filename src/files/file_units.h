@@ -1,0 +1,84 @@
+// The sixteen file numbers of a program and what a unit does with its data
+// file: a pointer (record, word, item) that moves serially through the records
+// or stays bound to one, and the end-of-file branch of ON END #.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "files/data_file.h"
+
+class Statement;
+class Target;
+
+class FileUnit final {
+ public:
+  // How a move or transfer ended: kEnd is the end-of-file condition (the ON END #
+  // branch, or "End-of-file"); after kFail a run-time error code is set.
+  enum Result { kOk, kEnd, kFail };
+
+  bool IsOpen() const { return file_.IsOpen(); }
+  const DataFile& File() const { return file_; }
+  OpenStatus Open(const std::string& path, bool readOnly);
+  void Close();  // keeps the end branch: it belongs to the number
+
+  // To the start of a record: kEnd past the last one, kFail (kArgOutOfRange) below 1.
+  Result Seek(float record);
+  // The next item into target. Bound operations stay in the record they
+  // started in; serial ones pass end-of-record marks into the next records.
+  Result Read(Target& target, bool bound);
+  Result WriteNumber(float value, bool bound);
+  Result WriteString(std::string_view text, bool bound);
+  // An end-of-file mark at the pointer, which stays on it.
+  Result WriteEndFile();
+  // Ends a PRINT: an end-of-record mark after the items when endRecord (the
+  // pointer stays on it, so the next PRINT writes over it), then stores the record.
+  Result FinishWrite(bool endRecord);
+  // Replaces the next item with a value of its type; a string keeps its length.
+  Result UpdateNumber(float value);
+  Result UpdateString(std::string_view text);
+  // Skips up to count items; *left gets how many remained at the end of the file.
+  Result Skip(uint64_t count, uint64_t* left);
+
+  // TYP: 1 number, 2 string, 3 end of file, 4 end of record; acrossRecords
+  // looks past end-of-record marks (TYP of a negative file number).
+  float Type(bool acrossRecords);
+  uint32_t Record() const { return record_; }
+  uint32_t Item() const { return item_; }
+
+  Statement* endTarget = nullptr;  // ON END # target, or null
+
+ private:
+  // The item at the pointer, serially or bound; the pointer moves only across records.
+  Result Next(FileItem* item, bool bound);
+  // Makes room for an item of size words at the pointer.
+  Result Room(uint32_t size, bool bound);
+  Result Load();
+  Result Failed(uint32_t code);
+
+  DataFile file_;
+  uint32_t record_ = 1;  // 1-based
+  uint32_t word_ = 0;    // next word in the record
+  uint32_t item_ = 1;    // number of the next item in the record, for ITM
+  std::string scratch_;  // a string item copied out before it is stored
+};
+
+class FileUnits final {
+ public:
+  static constexpr int kUnits = 16;
+
+  // The open unit a file number names; null with kBadFileNumber (not 1 to 16)
+  // or kFileNotOpen raised.
+  FileUnit* OpenUnit(float number);
+  // The unit of a file number, open or not; null with kBadFileNumber raised.
+  FileUnit* Unit(float number);
+  FileUnit& operator[](int index) { return units_[index]; }
+  // True when one of the units has the file open.
+  bool Holds(const std::string& path) const;
+  void CloseAll();
+
+  int declared = 0;  // file numbers given out by the FILES statements linked so far
+
+ private:
+  FileUnit units_[kUnits];
+};

@@ -1,0 +1,378 @@
+// The statements that name, open, create and remove data files: FILES, ASSIGN,
+// CREATE, PURGE and CLOSE #. File names are host paths, relative to the working folder.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "expr/variables.h"
+#include "files/file_parsers.h"
+#include "files/file_units.h"
+#include "stmt/stmt_context.h"
+
+namespace {
+
+// The status values ASSIGN, CREATE and PURGE store in their return variable.
+float AssignStatus(OpenStatus status) {
+  switch (status) {
+    case OpenStatus::kReadWrite:
+      return 0;
+    case OpenStatus::kReadOnly:
+      return 1;
+    case OpenStatus::kMissing:
+      return 2;
+    case OpenStatus::kNotData:
+      return 3;
+    case OpenStatus::kDamaged:
+      return 4;
+    case OpenStatus::kFailed:
+      break;
+  }
+  return 5;
+}
+
+// The error of a FILES name that does not open.
+ErrorCode OpenError(OpenStatus status) {
+  switch (status) {
+    case OpenStatus::kReadWrite:
+    case OpenStatus::kReadOnly:
+      return 0;
+    case OpenStatus::kMissing:
+      return err::kFileNotFound;
+    case OpenStatus::kNotData:
+      return err::kNotOnAsciiFile;
+    case OpenStatus::kDamaged:
+      return err::kFileDamaged;
+    case OpenStatus::kFailed:
+      break;
+  }
+  return err::kFileError;
+}
+
+// A name of a FILES list: "*" keeps a number free for ASSIGN.
+struct FilesName {
+  std::string path;
+  bool quoted;
+};
+
+// Declares file numbers in order, continuing from the FILES before it; the
+// link pass opens the files, so a missing one stops the run before it starts.
+class FilesStmt final : public Statement {
+ public:
+  FilesStmt(FileUnits& units, std::vector<FilesName> names)
+      : units_(units), names_(std::move(names)) {}
+  Statement* Execute() override { return successor_; }
+  TokenCode Code() const override { return tok::kFiles; }
+  size_t Size() const override {
+    size_t size = sizeof *this;
+    for (const auto& n : names_) size += sizeof n + n.path.size();
+    return size;
+  }
+  void List(std::string& out) const override {
+    out += "FILES ";
+    for (size_t i = 0; i < names_.size(); ++i) {
+      if (i) out += ',';
+      if (names_[i].quoted)
+        ListStringLiteral(out, names_[i].path);
+      else
+        out += names_[i].path;
+    }
+  }
+  bool IsExecutable() const override { return false; }
+  ErrorCode Check(StmtContext&) override {
+    for (const FilesName& name : names_) {
+      if (units_.declared >= FileUnits::kUnits) return Raise(err::kBadFileNumber, Location());
+      FileUnit& unit = units_[units_.declared++];
+      if (!name.quoted && name.path == "*") continue;
+      if (ErrorCode code = OpenError(unit.Open(name.path, false))) return Raise(code, Location());
+    }
+    return 0;
+  }
+
+ private:
+  FileUnits& units_;
+  std::vector<FilesName> names_;
+};
+
+// ASSIGN name, n, r [, RR|WR|NR]: opens a file as number n, closing what n had.
+// "*" as the name only closes. RR opens for reading only; one machine shares
+// no files, so WR and NR both read and write.
+class AssignStmt final : public Statement {
+ public:
+  AssignStmt(FileUnits& units, StringExpPtr name, NumericExpPtr number,
+             std::unique_ptr<NumericVar> status, TokenCode restriction)
+      : units_(units),
+        name_(std::move(name)),
+        number_(std::move(number)),
+        status_(std::move(status)),
+        restriction_(restriction) {}
+  Statement* Execute() override {
+    std::string_view name = name_ ? name_->Evaluate(work_) : "*";
+    if (g_err.run) return Fail(g_err.run);
+    std::string path(name);
+    float number = number_->Evaluate();
+    FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
+    if (!unit) return Fail(g_err.run);
+    float status = 0;
+    if (path == "*")
+      unit->Close();
+    else
+      status = AssignStatus(unit->Open(path, restriction_ == tok::kRr));
+    status_->Assign(status);
+    return g_err.run ? Fail(g_err.run) : successor_;
+  }
+  TokenCode Code() const override { return tok::kAssign; }
+  size_t Size() const override {
+    return sizeof *this + (name_ ? name_->Size() : 0) + number_->Size() + status_->Size();
+  }
+  void List(std::string& out) const override {
+    out += "ASSIGN ";
+    if (name_)
+      name_->List(out);
+    else
+      out += '*';
+    out += ',';
+    number_->List(out);
+    out += ',';
+    status_->List(out);
+    if (restriction_)
+      out += restriction_ == tok::kRr ? ",RR" : restriction_ == tok::kWr ? ",WR" : ",NR";
+  }
+
+ private:
+  FileUnits& units_;
+  StringExpPtr name_;  // null for "*"
+  NumericExpPtr number_;
+  std::unique_ptr<NumericVar> status_;
+  TokenCode restriction_;  // tok::kRr, kWr, kNr, or 0
+  StringValue work_;
+};
+
+// CREATE r, name, records [, words]: a new file of empty records. r gets 0
+// (created), 1 (a file of that name exists, and is kept), 2 (sizes out of
+// range) or 3 (the file cannot be made).
+class CreateStmt final : public Statement {
+ public:
+  CreateStmt(std::unique_ptr<NumericVar> status, StringExpPtr name, NumericExpPtr records,
+             NumericExpPtr words)
+      : status_(std::move(status)),
+        name_(std::move(name)),
+        records_(std::move(records)),
+        words_(std::move(words)) {}
+  Statement* Execute() override {
+    std::string path(name_->Evaluate(work_));
+    float records = records_->Evaluate();
+    float words = words_ ? words_->Evaluate() : static_cast<float>(data_file::kDefaultWords);
+    if (g_err.run) return Fail(g_err.run);
+    status_->Assign(static_cast<float>(static_cast<int>(DataFile::Create(path, records, words))));
+    return g_err.run ? Fail(g_err.run) : successor_;
+  }
+  TokenCode Code() const override { return tok::kCreate; }
+  size_t Size() const override {
+    return sizeof *this + status_->Size() + name_->Size() + records_->Size() +
+           (words_ ? words_->Size() : 0);
+  }
+  void List(std::string& out) const override {
+    out += "CREATE ";
+    status_->List(out);
+    out += ',';
+    name_->List(out);
+    out += ',';
+    records_->List(out);
+    if (words_) {
+      out += ',';
+      words_->List(out);
+    }
+  }
+
+ private:
+  std::unique_ptr<NumericVar> status_;
+  StringExpPtr name_;
+  NumericExpPtr records_;
+  NumericExpPtr words_;  // null: the default record size
+  StringValue work_;
+};
+
+// PURGE r, name: removes a data file. Only a file that begins as a data file
+// is removed, so a mistyped name never deletes a program. r gets 0 (removed),
+// 1 (no such file), 2 (not a data file), 3 (cannot be removed) or 4 (open in
+// one of the program's file numbers).
+class PurgeStmt final : public Statement {
+ public:
+  PurgeStmt(FileUnits& units, std::unique_ptr<NumericVar> status, StringExpPtr name)
+      : units_(units), status_(std::move(status)), name_(std::move(name)) {}
+  Statement* Execute() override {
+    std::string path(name_->Evaluate(work_));
+    if (g_err.run) return Fail(g_err.run);
+    status_->Assign(Purge(path));
+    return g_err.run ? Fail(g_err.run) : successor_;
+  }
+  TokenCode Code() const override { return tok::kPurge; }
+  size_t Size() const override { return sizeof *this + status_->Size() + name_->Size(); }
+  void List(std::string& out) const override {
+    out += "PURGE ";
+    status_->List(out);
+    out += ',';
+    name_->List(out);
+  }
+
+ private:
+  float Purge(const std::string& path) const {
+    int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return errno == ENOENT || errno == ENOTDIR ? 1 : 3;
+    uint32_t words, records;
+    OpenStatus kind = ReadDataHeader(fd, &words, &records);
+    close(fd);
+    if (kind == OpenStatus::kNotData) return 2;
+    if (kind == OpenStatus::kFailed) return 3;
+    if (units_.Holds(path)) return 4;
+    return unlink(path.c_str()) == 0 ? 0 : 3;
+  }
+
+  FileUnits& units_;
+  std::unique_ptr<NumericVar> status_;
+  StringExpPtr name_;
+  StringValue work_;
+};
+
+// CLOSE #n: the file number is free again.
+class CloseFileStmt final : public Statement {
+ public:
+  CloseFileStmt(FileUnits& units, NumericExpPtr number)
+      : units_(units), number_(std::move(number)) {}
+  Statement* Execute() override {
+    float number = number_->Evaluate();
+    FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
+    if (!unit) return Fail(g_err.run);
+    unit->Close();
+    return successor_;
+  }
+  TokenCode Code() const override { return tok::kClose; }
+  size_t Size() const override { return sizeof *this + number_->Size(); }
+  void List(std::string& out) const override {
+    out += "CLOSE #";
+    number_->List(out);
+  }
+
+ private:
+  FileUnits& units_;
+  NumericExpPtr number_;
+};
+
+// A FILES name: "*", a string literal, or the raw text up to the next "," or
+// the end of the statement, so that FILES DATA1,BOOKS/X.DAT read as written.
+bool ParseFilesName(StmtContext& p, std::vector<FilesName>* names) {
+  TokenCode code = p.GetToken();
+  if (code == tok::kStar || code == tok::kString) {
+    names->push_back({std::string(code == tok::kStar ? "*" : p.Text()), code == tok::kString});
+    return true;
+  }
+  p.BackUp();
+  size_t from = p.Mark() ? p.Current().rawEnd : 0, to = from;
+  for (;;) {
+    code = p.Peek();
+    if (code == tok::kComma || code == tok::kEndOfLine || code == tok::kComment) break;
+    p.GetToken();
+    to = p.Current().rawEnd;
+  }
+  std::string_view raw(p.LineText(), p.LineLength());
+  raw = raw.substr(from, to - from);
+  while (!raw.empty() && raw.front() == ' ') raw.remove_prefix(1);
+  while (!raw.empty() && raw.back() == ' ') raw.remove_suffix(1);
+  if (raw.empty()) {
+    SetParseError(err::kBadStringArg);
+    return false;
+  }
+  names->push_back({std::string(raw), false});
+  return true;
+}
+
+// The next "," of an argument list; 40 when it is missing.
+bool ExpectComma(StmtContext& p) {
+  if (p.Accept(tok::kComma)) return true;
+  SetParseError(err::kMissingDelimiter);
+  return false;
+}
+
+NumericExpPtr ExpectNumber(StmtContext& p) {
+  NumericExpPtr e = ParseNumericExp(p);
+  if (!e && !g_err.parse) SetParseError(err::kBadNumericExp);
+  return e;
+}
+
+StringExpPtr ExpectString(StmtContext& p) {
+  StringExpPtr e = ParseStringExp(p);
+  if (!e && !g_err.parse) SetParseError(err::kBadStringExp);
+  return e;
+}
+
+std::unique_ptr<NumericVar> ExpectStatusVar(StmtContext& p) {
+  auto var = ParseNumericVar(p);
+  if (!var && !g_err.parse) SetParseError(err::kBadNumericVar);
+  return var;
+}
+
+}  // namespace
+
+StatementPtr ParseFiles(StmtContext& p) {
+  std::vector<FilesName> names;
+  do {
+    if (!ParseFilesName(p, &names)) return nullptr;
+  } while (p.Accept(tok::kComma));
+  return std::make_unique<FilesStmt>(*p.run.files, std::move(names));
+}
+
+StatementPtr ParseAssign(StmtContext& p) {
+  StringExpPtr name;
+  if (!p.Accept(tok::kStar) && !(name = ExpectString(p))) return nullptr;
+  if (!ExpectComma(p)) return nullptr;
+  NumericExpPtr number = ExpectNumber(p);
+  if (!number || !ExpectComma(p)) return nullptr;
+  auto status = ExpectStatusVar(p);
+  if (!status) return nullptr;
+  TokenCode restriction = 0;
+  if (p.Accept(tok::kComma)) {
+    restriction = p.GetToken();
+    if (restriction != tok::kRr && restriction != tok::kWr && restriction != tok::kNr) {
+      bool missing = restriction == tok::kEndOfLine || restriction == tok::kComment;
+      SetParseError(missing ? err::kBadFileRestrictions : err::kBadFileRestriction);
+      return nullptr;
+    }
+  }
+  return std::make_unique<AssignStmt>(*p.run.files, std::move(name), std::move(number),
+                                      std::move(status), restriction);
+}
+
+StatementPtr ParseCreate(StmtContext& p) {
+  auto status = ExpectStatusVar(p);
+  if (!status || !ExpectComma(p)) return nullptr;
+  StringExpPtr name = ExpectString(p);
+  if (!name || !ExpectComma(p)) return nullptr;
+  NumericExpPtr records = ExpectNumber(p);
+  if (!records) return nullptr;
+  NumericExpPtr words;
+  if (p.Accept(tok::kComma) && !(words = ExpectNumber(p))) return nullptr;
+  return std::make_unique<CreateStmt>(std::move(status), std::move(name), std::move(records),
+                                      std::move(words));
+}
+
+StatementPtr ParsePurge(StmtContext& p) {
+  auto status = ExpectStatusVar(p);
+  if (!status || !ExpectComma(p)) return nullptr;
+  StringExpPtr name = ExpectString(p);
+  if (!name) return nullptr;
+  return std::make_unique<PurgeStmt>(*p.run.files, std::move(status), std::move(name));
+}
+
+StatementPtr ParseCloseFile(StmtContext& p) {
+  if (!p.Accept(tok::kHash)) {
+    SetParseError(err::kMissingFileNumber);
+    return nullptr;
+  }
+  NumericExpPtr number = ParseNumericExp(p);
+  if (!number) {
+    if (!g_err.parse) SetParseError(err::kMissingFileNumber);
+    return nullptr;
+  }
+  return std::make_unique<CloseFileStmt>(*p.run.files, std::move(number));
+}

@@ -1,0 +1,267 @@
+#include "program/loader.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "console/console.h"
+#include "platform/break_flag.h"
+#include "program/program.h"
+#include "stmt/simple_stmts.h"
+
+SourceFile::~SourceFile() {
+  if (fd_ >= 0) close(fd_);
+}
+
+bool SourceFile::Open(const char* path, Kind kind) {
+  // Without O_NONBLOCK, opening a FIFO would wait for a writer.
+  int flags = O_RDONLY | O_CLOEXEC | (kind == Kind::kRegular ? O_NONBLOCK : 0);
+  fd_ = open(path, flags);
+  if (fd_ < 0) return false;
+  struct stat st;
+  bool ok = fstat(fd_, &st) == 0 && !S_ISDIR(st.st_mode);
+  if (ok && kind == Kind::kRegular) ok = S_ISREG(st.st_mode);
+  if (!ok) {
+    close(fd_);
+    fd_ = -1;
+  }
+  return ok;
+}
+
+int SourceFile::Fill() {
+  for (;;) {
+    ssize_t n = read(fd_, buffer_, sizeof buffer_);
+    if (n >= 0) {
+      pos_ = 0;
+      end_ = static_cast<int>(n);
+      return end_;
+    }
+    if (errno == EINTR && !EndPending()) continue;
+    if (errno == EINTR) return 0;
+    // The rest of the file cannot be had: what was read is the program.
+    TheConsole().Printf("%s in line %u\n", "File read error", lines_);
+    return 0;
+  }
+}
+
+bool SourceFile::GetLine(std::string& line) {
+  line.clear();
+  if (ended_) return false;
+  size_t column = 0, lineBytes = 0;
+  for (;;) {
+    if (pos_ >= end_ && Fill() <= 0) break;
+    if (++bytes_ > kMaxBytes || ++lineBytes > kMaxLineBytes || lines_ >= kMaxLines) {
+      limit_ = lineBytes > kMaxLineBytes ? err::kLineTooLong : err::kNoMemory;
+      ended_ = true;
+      return false;
+    }
+    unsigned char c = static_cast<unsigned char>(buffer_[pos_++]);
+    if (c == 26) break;  // Ctrl-Z ends the file whatever follows
+    if (c == '\r' || c == 0) continue;
+    if (c == '\n') {
+      ++lines_;
+      return true;
+    }
+    if (c == '\t') {
+      do {
+        line += ' ';
+        ++column;
+      } while (column % 4 != 0);
+      continue;
+    }
+    line += static_cast<char>(c);
+    ++column;
+  }
+  ended_ = true;
+  if (line.empty()) return false;
+  ++lines_;  // the last line had no line feed: it ends here
+  return true;
+}
+
+namespace {
+
+// The line from offset on, leading blanks dropped.
+std::string_view RestFrom(const std::string& text, size_t offset) {
+  std::string_view rest(text);
+  rest.remove_prefix(std::min(offset, rest.size()));
+  while (!rest.empty() && rest.front() == ' ') rest.remove_prefix(1);
+  return rest;
+}
+
+}  // namespace
+
+std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, bool report) {
+  auto prog = std::make_unique<Program>(name);
+  Console& con = TheConsole();
+  uint32_t last = 0;
+  std::string text, scan;
+  while (file.GetLine(text)) {
+    unsigned fileLine = file.LineCount();
+    // "#!" on the first line makes the file a script the system runs with basic.
+    if (fileLine == 1 && text.rfind("#!", 0) == 0) {
+      prog->interpreterLine = text;
+      continue;
+    }
+    SetParseError(0);
+    std::vector<StatementPtr> line;
+    uint32_t number = 0;
+    // An overlong line is scanned only for its number; it is kept whole as a bad line.
+    bool tooLong = text.size() > Program::kLineMax;
+    scan.assign(text, 0, Program::kLineMax);
+    prog->StartLine(scan.c_str());
+    size_t afterNumber = 0;
+    if (prog->GetToken() == tok::kInteger) {
+      std::string_view digits = prog->Text();
+      if (digits.size() <= 7)
+        number = static_cast<uint32_t>(std::strtoul(std::string(digits).c_str(), nullptr, 10));
+      if (number < 1 || number > 999999) {
+        number = 0;
+        SetParseError(err::kBadStmtNumber);
+        line.push_back(std::make_unique<InvalidStmt>(RestFrom(text, 0), err::kBadStmtNumber));
+      } else {
+        afterNumber = prog->Current().rawEnd;
+      }
+    } else {
+      prog->BackUp();
+    }
+    if (!g_err.parse) {
+      if (number > last) {
+        last = number;
+      } else if (number != 0) {
+        con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(err::kOutOfOrder),
+                   fileLine);
+        SetParseError(err::kOutOfOrder);
+        break;
+      }
+      if (tooLong) {
+        SetParseError(err::kLineTooLong);
+        line.push_back(
+            std::make_unique<InvalidStmt>(RestFrom(text, afterNumber), err::kLineTooLong));
+      } else {
+        line = prog->ParseLine();
+        if (g_err.parse == err::kEndOfLine) line.push_back(std::make_unique<BlankLineStmt>());
+      }
+    }
+    if (number)
+      line.front()->SetNumber(number);
+    else
+      line.front()->SetFileLine(fileLine);
+    prog->Append(std::move(line));
+    if (report && g_err.parse > err::kEndOfLine)
+      con.Printf("%s in file line %u\n", MessageOf(g_err.parse), fileLine);
+  }
+  prog->StartLine("");  // the line buffer goes away with this frame
+  if (ErrorCode limit = file.Limit(); limit && g_err.parse != err::kOutOfOrder) {
+    con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(limit),
+               file.LineCount() + 1);
+    SetParseError(limit);
+    return prog;
+  }
+  if (g_err.parse != err::kOutOfOrder) SetParseError(0);
+  return prog;
+}
+
+namespace {
+
+// The file a name stands for: symbolic links are followed, relative ones from
+// their own folder, so that the file they name is replaced and the link stays.
+std::string ResolveLinks(std::string path) {
+  for (int hops = 0; hops < 40; ++hops) {
+    struct stat st;
+    if (lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) break;
+    char target[4096];
+    ssize_t n = readlink(path.c_str(), target, sizeof target - 1);
+    if (n <= 0) break;
+    std::string link(target, static_cast<size_t>(n));
+    size_t slash = path.rfind('/');
+    path = link[0] == '/' || slash == std::string::npos ? link : path.substr(0, slash + 1) + link;
+  }
+  return path;
+}
+
+bool WriteAll(int fd, std::string_view text) {
+  while (!text.empty()) {
+    ssize_t w = write(fd, text.data(), text.size());
+    if (w < 0 && errno == EINTR && !EndPending()) continue;
+    if (w <= 0) return false;
+    text.remove_prefix(static_cast<size_t>(w));
+  }
+  return true;
+}
+
+// A device is written where it is, as an output opened on it would be.
+int WriteInPlace(const std::string& path, std::string_view text) {
+  int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+  if (fd < 0) return errno;
+  bool ok = WriteAll(fd, text);
+  int error = ok ? 0 : (errno ? errno : EIO);
+  if (close(fd) != 0 && ok) error = errno;
+  return error;
+}
+
+// A regular file is written beside the target and renamed over it once complete;
+// the new file keeps the old one's owner and permission bits.
+int WriteAndRename(const std::string& path, const struct stat* old, std::string_view text) {
+  std::string temp = path + ".saving~";
+  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (fd < 0 && errno == EEXIST && unlink(temp.c_str()) == 0)  // left by a save that died
+    fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (fd < 0) return errno;
+  if (old) {
+    // Only root may hand the file to another owner; for anyone else it stays theirs.
+    (void)!fchown(fd, old->st_uid, old->st_gid);
+    (void)!fchmod(fd, old->st_mode & 07777);
+  }
+  bool ok = WriteAll(fd, text) && fsync(fd) == 0;
+  int error = ok ? 0 : (errno ? errno : EIO);
+  if (close(fd) != 0 && ok) ok = false, error = errno;
+  if (ok && rename(temp.c_str(), path.c_str()) != 0) ok = false, error = errno;
+  if (!ok) unlink(temp.c_str());
+  return error;
+}
+
+}  // namespace
+
+std::string SavedText(const Program& prog, bool numbers) {
+  std::string text;
+  if (!prog.interpreterLine.empty()) text = prog.interpreterLine + '\n';
+  int depth = 0;
+  for (const Statement* s = prog.First(); s; s = s->Next()) {
+    if (s->Hidden()) continue;
+    bool withNumber = numbers || prog.FindTarget(s->Number()) != nullptr;
+    size_t start = text.size();
+    depth = prog.ListLine(text, s, 0, depth, withNumber);
+    // A bad line is written as it was typed, without the "?" that LIST shows,
+    // so that every SAVE and GET gives back the same line.
+    if (s->ParseError()) text.erase(text.find('?', start), 1);
+    text += '\n';
+  }
+  return text;
+}
+
+int SaveProgram(const Program& prog, const std::string& path, bool numbers) {
+  std::string text = SavedText(prog, numbers);
+  std::string target = ResolveLinks(path);
+  struct stat st;
+  int error;
+  if (stat(target.c_str(), &st) != 0) {
+    error = errno == ENOENT ? WriteAndRename(target, nullptr, text) : errno;
+  } else if (S_ISCHR(st.st_mode)) {
+    error = WriteInPlace(target, text);
+  } else if (!S_ISREG(st.st_mode)) {
+    error = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;  // a folder, FIFO or disk is never replaced
+  } else {
+    // The target must take output as an open for writing would: the rename
+    // alone would ignore its permissions.
+    int fd = open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    error = fd < 0 ? errno : (close(fd), WriteAndRename(target, &st, text));
+  }
+  if (error) TheConsole().Printf("Cannot open %s for output.\n", path.c_str());
+  return error;
+}

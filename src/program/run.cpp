@@ -1,0 +1,178 @@
+#include "program/run.h"
+
+#include <new>
+#include <unordered_set>
+
+#include "console/console.h"
+#include "expr/random.h"
+#include "gdi/gdi.h"
+#include "platform/break_flag.h"
+#include "program/program.h"
+
+namespace {
+
+ErrorCode FailAt(ErrorCode code, const Statement* s) {
+  if (!HasLocation() && s) g_err.location = s->Location();
+  return SetRunError(code);
+}
+
+std::string LowerName(std::string_view name) {
+  std::string lower(name);
+  for (char& c : lower)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+  return lower;
+}
+
+ErrorCode LinkPasses(Program& prog) {
+  gdi::CloseAll();
+  prog.ClearStorage();
+  ClearError();
+  SetErrorFile(nullptr);  // link errors name no file
+  BindTargets(prog);
+
+  // Bad lines and labels defined twice stop the link.
+  std::unordered_set<std::string> labels;
+  for (Statement* s = prog.First(); s; s = s->Next()) {
+    if (ErrorCode code = s->ParseError()) return Raise(code, s->Location());
+    if (const char* label = s->Label())
+      if (!labels.insert(LowerName(label)).second)
+        return Raise(err::kDuplicateLabel, s->Location());
+  }
+
+  // Successors, walked backwards so that runs of non-executing lines cost nothing.
+  Statement* next = nullptr;
+  for (Statement* s = prog.EndMark(); s; s = s->Prev()) {
+    s->SetSuccessor(next);
+    if (s->IsExecutable()) next = s;
+  }
+  for (Statement* s = prog.First(); s; s = s->Next())
+    if (ErrorCode code = s->Resolve(prog)) return FailAt(code, s);
+
+  for (const auto& target : prog.targets.All())
+    if (target->users && !target->resolved) return SetRunError(err::kUnresolvedTarget);
+
+  for (Statement* s = prog.First(); s; s = s->Next())
+    if (ErrorCode code = s->Check(prog)) return FailAt(code, s);
+
+  for (Reference* r = prog.References().First(); r; r = r->Next())
+    if (ErrorCode code = r->Link(prog)) return FailAt(code, r->owner);
+
+  ReseedRandom();
+  prog.SetLinksCurrent();
+  return 0;
+}
+
+}  // namespace
+
+ErrorCode Link(Program& prog) {
+  ErrorCode code = LinkPasses(prog);
+  if (code) {
+    prog.run.files->CloseAll();  // FILES may have opened some before the failure
+    // A DEF registered before the failure may hold call sites never bound: an
+    // immediate PRINT must not reach it.
+    prog.functions.clear();
+  }
+  return code;
+}
+
+void BindTargets(Program& prog) {
+  for (const auto& target : prog.targets.All()) target->resolved = nullptr;
+  for (Statement* s = prog.First(); s; s = s->Next()) {
+    if (uint32_t number = s->Number()) {
+      TargetLabel* target = prog.FindTarget(number);
+      if (target && !target->resolved) target->resolved = s;
+    }
+    if (const char* label = s->Label()) {
+      TargetLabel* target = prog.FindTarget(std::string_view(label));
+      if (target && !target->resolved) target->resolved = s;
+    }
+  }
+}
+
+ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram, TheConsole()); }
+
+ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
+  TestAndClearBreak();
+  Program* prog = &first;
+  std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
+  RunState* run = &prog->run;
+  run->frame = RunFrame{};
+  run->console = &con;
+  Statement* s = prog->First();
+  if (!s->IsExecutable()) s = s->NextExecutable();
+  run->current = s;
+  const char* fileName = !keepsProgram && !prog->Name().empty() ? prog->Name().c_str() : nullptr;
+
+  try {
+    for (;;) {
+      Statement* next = s->Execute();
+      if (g_err.run == 0) [[likely]] {
+        if (!BreakPending() || !TestAndClearBreak()) [[likely]] {
+          if (next) {
+            s = next;
+          } else if (prog->chained) {
+            // CHAIN: the program left keeps no files; a chained one goes away.
+            std::unique_ptr<Program> incoming = std::move(prog->chained);
+            s = prog->chainStart;
+            run->files->CloseAll();
+            owned = std::move(incoming);
+            prog = owned.get();
+            run = &prog->run;
+            run->frame = RunFrame{};
+            run->console = &con;
+            run->current = s;
+            fileName = prog->Name().c_str();
+          }
+          continue;
+        }
+        SetErrorFile(fileName);
+        Raise(err::kBreak, s->Location());
+        break;
+      }
+      run->frame.failLocation = s->Location();
+      // A statement that names the file itself (a CHAIN whose program fails to link) keeps it.
+      if (g_err.file.empty()) SetErrorFile(fileName);
+      if (g_err.run != err::kStop && !HasLocation()) g_err.location = run->frame.failLocation;
+      break;
+    }
+  } catch (const std::bad_alloc&) {
+    // Memory ran out inside a statement: the run ends there, as with any error.
+    run->frame.failLocation = s->Location();
+    SetErrorFile(fileName);
+    Raise(err::kNoMemory, s->Location());
+    prog->calls.Unwind();  // calls left mid-way
+    prog->chained.reset();
+  }
+  run->current = s;
+  run->files->CloseAll();
+  prog->chained.reset();  // a CHAIN that a break overtook
+  con.RestoreDefaults();
+  ErrorCode code = g_err.run;
+  if (code == err::kStop || code == err::kEnd) {
+    SetParseError(0);
+    ClearError();
+    SetErrorFile(nullptr);
+    code = 0;
+  }
+  // The error's file name is a copy; the chained program may go now.
+  owned.reset();
+  return code;
+}
+
+void ReportRunError(bool statementWording) {
+  Console& con = TheConsole();
+  const char* message = MessageOf(g_err.run);
+  con.Write("\n");
+  if (g_err.run != err::kBreak) con.Write("ERROR ");
+  if (g_err.location & loc::kStmtNumber)
+    con.Printf("%s in %s %u", message, statementWording ? "statement number" : "line",
+               loc::Number(g_err.location));
+  else if (g_err.location & loc::kFileLine)
+    con.Printf("%s in file line %u", message, loc::Number(g_err.location));
+  else
+    con.Printf("%s", message);
+  if (!g_err.file.empty())
+    con.Printf(" in file \"%s\"\n", g_err.file.c_str());
+  else
+    con.Write("\n");
+}
