@@ -109,7 +109,7 @@ TEST_F(DataFileTest, ItemsKeepTheirBitsAndLayout) {
     ASSERT_TRUE(file.Load(1));
     for (uint32_t i = 0; i < 7; ++i) file.PutNumber(2 * i, values[i]);
     file.PutEndRecord(14);
-    ASSERT_TRUE(file.Load(2));  // stores record 1 first
+    ASSERT_TRUE(file.Load(2));  // record 1 is kept until the commit
     file.PutString(0, std::string("AB\0C", 4));
     file.PutString(3, "");
     file.PutString(4, std::string(22, 'x'));  // 1 + 11 words: the record is full
@@ -200,7 +200,7 @@ TEST_F(DataFileTest, TwoOpeningsSeeEachOthersWrites) {
   ASSERT_TRUE(two.Load(1));
   ASSERT_TRUE(one.Load(1));
   one.PutNumber(0, 7.0f);
-  ASSERT_TRUE(one.Store());
+  ASSERT_TRUE(one.Commit());
   ASSERT_TRUE(two.Load(1));
   EXPECT_EQ(two.ItemAt(0).number, 7.0f);
 }
