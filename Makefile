@@ -95,9 +95,11 @@ gdi: build-tests
 	tests/gdi/examples.sh $(BUILD)
 	tests/gdi/window_xvfb.sh $(BUILD)
 
-# Signals, lost output, endless input and memory limits on the real process.
+# Signals, lost output, endless input and memory limits on the real process; data
+# files, program files and saves under SIGKILL, LOCK between processes, a size limit.
 process: build-tests
 	tests/process/process_tests.sh $(BUILD)/basic
+	tests/process/files_tests.sh $(BUILD)/basic
 
 # The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
 asan: test-deps

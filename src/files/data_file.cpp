@@ -222,24 +222,25 @@ void DataFile::Span(const Slot& slot, bool withTags, uint32_t* from, uint32_t* t
 }
 
 void DataFile::Merge(const Slot& slot, uint8_t* fresh, uint32_t from, uint32_t to) const {
+  // The tag map has one bit per word, as the map of changed words has.
   for (uint32_t i = from; i < std::min(to, tagBytes_); ++i) {
-    uint8_t mask = 0;
-    for (uint32_t bit = 0; bit < 8; ++bit) {
-      uint32_t word = 8 * i + bit;
-      if (word >= slot.from && word < slot.to) mask |= static_cast<uint8_t>(1u << bit);
-    }
+    uint8_t mask = slot.changed[i];
     fresh[i - from] = static_cast<uint8_t>((fresh[i - from] & ~mask) | (slot.bytes[i] & mask));
   }
-  uint32_t words = tagBytes_ + 2 * slot.from;
-  std::memcpy(fresh + (words - from), slot.bytes.get() + words, to - words);
+  for (uint32_t w = slot.from; w < slot.to; ++w) {
+    if (!slot.ChangedWord(w)) continue;
+    uint32_t at = tagBytes_ + 2 * w;
+    fresh[at - from] = slot.bytes[at];
+    fresh[at + 1 - from] = slot.bytes[at + 1];
+  }
 }
 
 bool DataFile::CommitOne(Slot& slot) {
   uint32_t from, to;
   Span(slot, slot.tagsChanged, &from, &to);
   off_t at = Offset(slot.record) + from;
-  if (slot.tagsChanged) {
-    // Between the tags and the words lie other items: as the file holds them now.
+  if (slot.tagsChanged || slot.gaps) {
+    // Between the changed words lie other items: as the file holds them now.
     fresh_.resize(to - from);
     if (int e = host::ReadAllAt(fd_, fresh_.data(), fresh_.size(), at)) return Fail(e);
     Merge(slot, fresh_.data(), from, to);
@@ -307,8 +308,10 @@ bool DataFile::Commit() {
     ok = CommitJournaled();
   ++g_writes;
   for (Slot& slot : slots_) {
+    if (slot.Changed())
+      std::memset(slot.changed + slot.from / 8, 0, (slot.to + 7) / 8 - slot.from / 8);
     slot.from = slot.to = 0;
-    slot.tagsChanged = false;
+    slot.tagsChanged = slot.gaps = false;
     slot.stamp = g_writes;
     if (!ok) slot.record = 0;  // what the file holds is unknown now: read it again
   }
@@ -352,7 +355,10 @@ FileItem DataFile::ItemAt(uint32_t word) const {
 
 void DataFile::Changing(uint32_t word, uint32_t count) {
   Slot& slot = Current();
+  for (uint32_t w = word; w < word + count; ++w)
+    slot.changed[w / 8] |= static_cast<uint8_t>(1u << (w % 8));
   if (slot.Changed()) {
+    if (word > slot.to || word + count < slot.from) slot.gaps = true;
     slot.from = std::min(slot.from, word);
     slot.to = std::max(slot.to, word + count);
   } else {

@@ -119,11 +119,14 @@ class DataFile final {
   // A record in memory, and the words of it that the statement under way changed.
   struct Slot {
     uint32_t record = 0;        // 0 when it holds none
-    uint32_t from = 0, to = 0;  // changed words [from, to); none when equal
+    uint32_t from = 0, to = 0;  // the changed words lie in [from, to); none when equal
+    uint8_t changed[32] = {};   // which: bit w%8 of byte w/8
     bool tagsChanged = false;   // a tag bit of them changed
+    bool gaps = false;          // words in [from, to) that were not changed
     uint64_t stamp = 0;         // the process's write count when it was read
     std::unique_ptr<uint8_t[]> bytes;
     bool Changed() const { return from < to; }
+    bool ChangedWord(uint32_t w) const { return (changed[w / 8] >> (w % 8)) & 1; }
   };
 
   Slot& Current() { return slots_[current_]; }

@@ -104,22 +104,24 @@ void SharedFile::Recover(int fd) {
     if (journalFd < 0) return;  // none: the usual case
   }
   if (host::LockWhole(journalFd, true) == host::LockWait::kLocked) {
-    RecoverLocked(journalFd, fd);
+    // Put back, it has done its work: no unit of this process writes through it.
+    if (RecoverLocked(journalFd, fd) && journalFd != journalFd_)
+      place_.Sibling(data_journal::kSuffix).Remove();
     host::UnlockWhole(journalFd);
   }
   if (journalFd != journalFd_) close(journalFd);
 }
 
-void SharedFile::RecoverLocked(int journalFd, int fd) {
+bool SharedFile::RecoverLocked(int journalFd, int fd) {
   std::vector<data_journal::Entry> entries;
   struct stat journal, data;
   if (!data_journal::ReadJournal(journalFd, &bytes_) ||
       !data_journal::Parse(bytes_.data(), bytes_.size(), words_, records_, &entries) ||
       fstat(journalFd, &journal) != 0 || fstat(fd, &data) != 0 || !Trusted(journal, data))
-    return;
+    return false;
   // The caller's descriptor may be for reading only: putting back needs one for writing.
   int writer = (fcntl(fd, F_GETFL) & O_ACCMODE) == O_RDWR ? fd : place_.Open(O_RDWR | O_NONBLOCK);
-  if (writer < 0) return;  // left for one who may write the file
+  if (writer < 0) return false;  // left for one who may write the file
   bool ok = true;
   for (const data_journal::Entry& e : entries) {
     off_t at =
@@ -127,8 +129,9 @@ void SharedFile::RecoverLocked(int journalFd, int fd) {
                            uint64_t{e.record - 1} * data_file::RecordBytes(words_) + e.offset);
     ok = host::WriteAllAt(writer, e.bytes, e.length, at) == 0 && ok;
   }
-  if (ok) data_journal::Clear(journalFd);
+  ok = ok && data_journal::Clear(journalFd) == 0;
   if (writer != fd) close(writer);
+  return ok;
 }
 
 int SharedFile::BeginJournal(int fd) {

@@ -42,7 +42,8 @@ class SharedFile final {
   ~SharedFile();
 
  private:
-  void RecoverLocked(int journalFd, int fd);
+  // True when a whole journal was put back and cleared.
+  bool RecoverLocked(int journalFd, int fd);
 
   host::Place place_;  // the data file's folder and name
   int lockFd_;         // LOCK's lock is taken on this descriptor of the file
