@@ -81,6 +81,7 @@ unit: build-tests
 e2e: build-tests
 	tests/run_e2e.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
+	tests/sandbox.sh $(BUILD)/basic
 	tests/examples.sh $(BUILD)/basic
 
 terminal: build-tests

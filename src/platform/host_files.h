@@ -26,7 +26,7 @@ int AddSandboxRoot(const std::string& folder);
 bool Sandboxed();
 
 // The host path a user's name stands for: 0, or EINVAL for a name that no file
-// can have (empty, or holding a NUL byte, which the system would cut it at).
+// can have (one holding a NUL byte, which the system would cut it at).
 int HostPath(std::string_view name, std::string* path);
 
 // The folder of a host path, opened (and under the sandbox checked), and the

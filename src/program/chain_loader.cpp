@@ -50,7 +50,7 @@ Statement* FindStart(Program& prog, const ChainStart& start) {
 ErrorCode Program::Chain(const std::string& path, const ChainStart& start, bool report,
                          bool* linkError) {
   SourceFile file;
-  if (!file.Open(path.c_str())) {
+  if (!file.Open(path)) {
     if (file.Error() == host::kOutside) return err::kOutsideSandbox;
     return file.Error() == EINVAL ? err::kBadFileName : err::kChainOpen;
   }

@@ -26,7 +26,7 @@ SourceFile::~SourceFile() {
   if (fd_ >= 0) close(fd_);
 }
 
-bool SourceFile::Open(const char* name, Kind kind) {
+bool SourceFile::Open(std::string_view name, Kind kind) {
   // Without O_NONBLOCK, opening a FIFO would wait for a writer.
   int flags = O_RDONLY | (kind == Kind::kRegular ? O_NONBLOCK : 0);
   std::string path;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "base/errors.h"
 
@@ -27,7 +28,7 @@ class SourceFile {
   // GET's way in, shared by every command that reads a program file: false
   // with Error() set when the file cannot be had (host::kOutside for a name
   // outside the sandbox).
-  bool Open(const char* path, Kind kind = Kind::kRegular);
+  bool Open(std::string_view name, Kind kind = Kind::kRegular);
   int Error() const { return error_; }
   // The next line without its line feed; false at the end of the file or at a limit.
   bool GetLine(std::string& line);

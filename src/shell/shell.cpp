@@ -365,7 +365,7 @@ void Shell::Get(const char* line) {
   FileName(line, prog_->Text().size(), &name);
   if (name.empty()) return;
   SourceFile file;
-  if (!file.Open(name.c_str())) {
+  if (!file.Open(name)) {
     con_.Printf("Unable to open %s%s.\n", name.c_str(), RefusalNote(file.Error()));
     return;
   }
