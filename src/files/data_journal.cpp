@@ -36,16 +36,15 @@ uint64_t Fnv(uint64_t hash, const uint8_t* bytes, size_t size) {
   return hash;
 }
 
-// Of the header's bytes 8-23, then the payload.
-uint64_t JournalChecksum(const uint8_t* journal, size_t payload) {
-  return Fnv(Fnv(0xCBF29CE484222325ull, journal + 8, 16), journal + kHeaderBytes, payload);
-}
-
 // The largest journal a statement writes: every record of the largest file once.
 constexpr uint64_t kMaxJournal =
     kHeaderBytes + data_file::kMaxFileBytes + uint64_t{kEntryHead} * data_file::kMaxRecords;
 
 }  // namespace
+
+uint64_t Checksum(const uint8_t* journal, size_t payload) {
+  return Fnv(Fnv(0xCBF29CE484222325ull, journal + 8, 16), journal + kHeaderBytes, payload);
+}
 
 void Builder::Start(uint32_t words, uint32_t records) {
   bytes_.assign(kHeaderBytes, 0);
@@ -70,7 +69,7 @@ const std::vector<uint8_t>& Builder::Finish() {
   size_t payload = bytes_.size() - kHeaderBytes;
   Put32(bytes_.data() + 16, entries_);
   Put32(bytes_.data() + 20, static_cast<uint32_t>(payload));
-  Put64(bytes_.data() + 24, JournalChecksum(bytes_.data(), payload));
+  Put64(bytes_.data() + 24, Checksum(bytes_.data(), payload));
   return bytes_;
 }
 
@@ -83,7 +82,7 @@ bool Parse(const uint8_t* bytes, size_t size, uint32_t words, uint32_t records,
   uint32_t count = Get32(bytes + 16);
   uint64_t payload = Get32(bytes + 20);
   if (payload > size - kHeaderBytes) return false;
-  if (Get64(bytes + 24) != JournalChecksum(bytes, payload)) return false;
+  if (Get64(bytes + 24) != Checksum(bytes, payload)) return false;
   const uint32_t recordBytes = data_file::RecordBytes(words);
   const uint8_t* p = bytes + kHeaderBytes;
   const uint8_t* end = p + payload;

@@ -48,6 +48,9 @@ class Builder final {
 bool Parse(const uint8_t* bytes, size_t size, uint32_t words, uint32_t records,
            std::vector<Entry>* entries);
 
+// The checksum a journal's header carries: of its bytes 8-23, then the payload.
+uint64_t Checksum(const uint8_t* journal, size_t payload);
+
 // Reads a journal file whole, up to the largest a statement can write; false
 // when it cannot be read or is cleared.
 bool ReadJournal(int fd, std::vector<uint8_t>* bytes);
