@@ -304,7 +304,8 @@ constexpr const char* kWindow[] = {
 #undef KEPT_AS_TEXT
 
 constexpr HelpText kExtendText{kExtend}, kOpenText{kOpen}, kSpawnText{kSpawn}, kSystemText{kSystem};
-constexpr HelpText kAdvanceText{kAdvance}, kCreateText{kCreate}, kPurgeText{kPurge}, kLockText{kLock};
+constexpr HelpText kAdvanceText{kAdvance}, kCreateText{kCreate}, kPurgeText{kPurge},
+    kLockText{kLock};
 constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, kCloseText{kClose},
     kColorText{kColor}, kComText{kCom}, kConvertText{kConvert}, kDataText{kData}, kDefText{kDef},
     kDimText{kDim}, kEndText{kEnd}, kEnterText{kEnter}, kFilesText{kFiles}, kForText{kFor},
