@@ -1,12 +1,10 @@
 // The one place where names become host files: links followed to the file they
-// name, temporaries of their own, and whole-file locks between descriptions.
+// name, and temporaries of their own.
 #include "platform/host_files.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -81,41 +79,14 @@ TEST_F(HostFiles, TemporariesAreTheirOwn) {
     EXPECT_EQ(temp.LinkAsTarget(), EEXIST);  // a present file is never replaced so
   }
   EXPECT_EQ(Entries(dir_ / "a"), 1u);  // the temporary went
-  // Temporaries that a killed process left go once they are old enough; one
-  // being made right now stays.
-  std::ofstream(Path("a/.target.aaaaaa~")) << "left";
-  std::ofstream(Path("a/.target.bbbbbb~")) << "young";
-  std::ofstream(Path("a/.other.cccccc~")) << "another file's";
-  fs::last_write_time(Path("a/.target.aaaaaa~"),
-                      fs::file_time_type::clock::now() - std::chrono::minutes(5));
   {
     host::TempFile temp(place);
     ASSERT_EQ(temp.Create(0600), 0);
     ASSERT_EQ(write(temp.Descriptor(), "newer", 5), 5);
     EXPECT_EQ(temp.ReplaceTarget(), 0);
   }
-  EXPECT_FALSE(fs::exists(Path("a/.target.aaaaaa~")));
-  EXPECT_TRUE(fs::exists(Path("a/.target.bbbbbb~")));
-  EXPECT_TRUE(fs::exists(Path("a/.other.cccccc~")));
   EXPECT_EQ(fs::file_size(Path("a/target")), 5u);
-  EXPECT_EQ(Entries(dir_ / "a"), 3u);
-}
-
-// The lock belongs to an opening of the file, so two openings conflict as two
-// processes do; one for reading may take it.
-TEST_F(HostFiles, LocksConflictBetweenOpenings) {
-  std::ofstream(Path("c/f")) << "x";
-  int one = open(Path("c/f").c_str(), O_RDONLY), two = open(Path("c/f").c_str(), O_RDWR);
-  ASSERT_GE(one, 0);
-  ASSERT_GE(two, 0);
-  EXPECT_EQ(host::LockWhole(one, true), host::LockWait::kLocked);
-  EXPECT_FALSE(host::TryLockWhole(two, true));
-  EXPECT_FALSE(host::TryLockWhole(two, false));
-  host::UnlockWhole(one);
-  EXPECT_TRUE(host::TryLockWhole(two, false));
-  EXPECT_TRUE(host::TryLockWhole(one, false));  // shared locks go together
-  close(one);
-  close(two);
+  EXPECT_EQ(Entries(dir_ / "a"), 1u);
 }
 
 }  // namespace
