@@ -1,6 +1,5 @@
 #include "files/file_units.h"
 
-
 #include <cerrno>
 #include <cmath>
 
