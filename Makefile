@@ -81,6 +81,7 @@ unit: build-tests
 e2e: build-tests
 	tests/run_e2e.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
+	tests/sandbox.sh $(BUILD)/basic
 	tests/examples.sh $(BUILD)/basic
 
 terminal: build-tests
@@ -95,9 +96,11 @@ gdi: build-tests
 	tests/gdi/examples.sh $(BUILD)
 	tests/gdi/window_xvfb.sh $(BUILD)
 
-# Signals, lost output, endless input and memory limits on the real process.
+# Signals, lost output, endless input and memory limits on the real process; data
+# files, program files and saves under SIGKILL, LOCK between processes, a size limit.
 process: build-tests
 	tests/process/process_tests.sh $(BUILD)/basic
+	tests/process/files_tests.sh $(BUILD)/basic
 
 # The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
 asan: test-deps

@@ -21,12 +21,14 @@ expect() {  # name expected-status expected-output command...
   fi
 }
 
-usage="Usage: basic [--classic] [--strict] [<program file>]
+usage="Usage: basic [--classic] [--strict] [--sandbox DIR] [<program file>]
 Without a file, basic starts its interactive shell: type HELP there.
 With one, it loads, links and runs the program, then exits.
   --classic     A\$[s]=X gives A\$ the length s-1+LEN(X), as classic systems do
   --strict      a run that fails, or a file that does not load, exits with
                 status 1 and writes its error report to standard error
+  --sandbox DIR every file the program or the shell opens, creates, removes
+                or chains to must lie in DIR or below it (also BASIC_SANDBOX)
   -h, --help    show this text
   --version     show the version
 See basic(1) for the shell commands, the line editor and the files."

@@ -18,6 +18,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "files/data_journal.h"
+#include "platform/host_files.h"
+
+class SharedFile;
 
 namespace data_file {
 inline constexpr uint16_t kVersion = 1;
@@ -25,6 +31,8 @@ inline constexpr uint32_t kHeaderBytes = 32;
 inline constexpr uint32_t kDefaultWords = 256;  // words per record when CREATE names none
 inline constexpr uint32_t kMaxWords = 256;      // the classic largest record
 inline constexpr uint64_t kMaxFileBytes = uint64_t{1} << 30;  // CREATE refuses larger files
+// Record numbers are 32-bit floats: past 2^24 - 1 two numbers would name one record.
+inline constexpr uint32_t kMaxRecords = (uint32_t{1} << 24) - 1;
 
 // Bytes one record takes on disk.
 inline uint32_t RecordBytes(uint32_t words) { return (words + 7) / 8 + 2 * words; }
@@ -34,9 +42,22 @@ inline constexpr uint32_t kNumberWords = 2;
 }  // namespace data_file
 
 // How opening, creating or purging a file went; ASSIGN, CREATE and PURGE hand
-// these on as their status values.
-enum class OpenStatus { kReadWrite, kReadOnly, kMissing, kNotData, kDamaged, kFailed };
-enum class CreateStatus { kCreated, kExists, kBadSize, kFailed };
+// the first ones on as their status values. kBadName is a name no file can
+// have, kOutside one that leads outside the sandbox.
+enum class OpenStatus {
+  kReadWrite,
+  kReadOnly,
+  kMissing,
+  kNotData,
+  kDamaged,
+  kFailed,
+  kBadName,
+  kOutside
+};
+enum class CreateStatus { kCreated, kExists, kBadSize, kFailed, kBadName, kOutside };
+
+// The status of a name that the host refused to resolve (host::HostPath, Place::Resolve).
+OpenStatus NameStatus(int error);
 
 // One item read at a word of the loaded record.
 struct FileItem {
@@ -47,6 +68,12 @@ struct FileItem {
   std::string_view text;  // points into the record buffer
 };
 
+// A data file open in one unit. A statement reads and changes records in
+// memory; Commit writes its changes so that a kill of the process at any
+// instant leaves every record as before the statement or as after it: a change
+// inside one page of the file is one write, the system's page copy being whole;
+// any other goes through the rollback journal. Only the words the statement
+// wrote are written, merged into the record as the file holds it then.
 class DataFile final {
  public:
   DataFile() = default;
@@ -54,11 +81,14 @@ class DataFile final {
   DataFile& operator=(const DataFile&) = delete;
   ~DataFile() { Close(); }
 
-  // Creates a file of records, every record an end of file. A present file is kept.
-  static CreateStatus Create(const std::string& path, double records, double words);
+  // Creates a file of records, every record an end of file, made whole under
+  // another name first with its space reserved. A present file is kept.
+  // *error gets the system's error of kFailed.
+  static CreateStatus Create(const std::string& name, double records, double words,
+                             int* error = nullptr);
   // Opens a data file; readOnly asks for no writing even when the file allows it.
-  OpenStatus Open(const std::string& path, bool readOnly);
-  void Close();
+  OpenStatus Open(const std::string& name, bool readOnly);
+  void Close();  // commits, and lets go of LOCK
   bool IsOpen() const { return fd_ >= 0; }
   bool Writable() const { return writable_; }
   uint32_t Records() const { return records_; }
@@ -67,11 +97,17 @@ class DataFile final {
   dev_t Device() const { return device_; }
   ino_t Inode() const { return inode_; }
 
-  // Makes record (1-based) the loaded one, storing a changed one first; false
-  // after a read or write error.
-  bool Load(uint32_t record);
-  // Writes the loaded record back when it changed; false after a write error.
-  bool Store();
+  // Makes record (1-based) the loaded one. fresh reads it from the file again
+  // (the pointer entered it), unless the statement under way changed it. False
+  // after a read error.
+  bool Load(uint32_t record, bool fresh = false);
+  // Writes what the statement under way changed; false with Error() set.
+  bool Commit();
+  int Error() const { return error_; }
+
+  // LOCK and UNLOCK: the file's lock, shared by every process on the machine.
+  host::LockWait Lock();
+  void Unlock();
 
   FileItem ItemAt(uint32_t word) const;
   void PutNumber(uint32_t word, float value);
@@ -80,24 +116,50 @@ class DataFile final {
   void PutEndFile(uint32_t word) { PutControl(word, 0); }
 
  private:
-  bool Tag(uint32_t word) const { return (record_[word / 8] >> (word % 8)) & 1; }
+  // A record in memory, and the words of it that the statement under way changed.
+  struct Slot {
+    uint32_t record = 0;        // 0 when it holds none
+    uint32_t from = 0, to = 0;  // the changed words lie in [from, to); none when equal
+    uint8_t changed[32] = {};   // which: bit w%8 of byte w/8
+    bool tagsChanged = false;   // a tag bit of them changed
+    bool gaps = false;          // words in [from, to) that were not changed
+    uint64_t stamp = 0;         // the process's write count when it was read
+    std::unique_ptr<uint8_t[]> bytes;
+    bool Changed() const { return from < to; }
+    bool ChangedWord(uint32_t w) const { return (changed[w / 8] >> (w % 8)) & 1; }
+  };
+
+  Slot& Current() { return slots_[current_]; }
+  const Slot& Current() const { return slots_[current_]; }
+  bool Tag(uint32_t word) const { return (Current().bytes[word / 8] >> (word % 8)) & 1; }
   void SetTag(uint32_t word, bool on);
-  uint8_t* Word(uint32_t word) { return record_.get() + tagBytes_ + 2 * word; }
-  const uint8_t* Word(uint32_t word) const { return record_.get() + tagBytes_ + 2 * word; }
+  uint8_t* Word(uint32_t word) { return Current().bytes.get() + tagBytes_ + 2 * word; }
+  const uint8_t* Word(uint32_t word) const { return Current().bytes.get() + tagBytes_ + 2 * word; }
+  void Changing(uint32_t word, uint32_t count);
   void PutControl(uint32_t word, uint16_t value);
   off_t Offset(uint32_t record) const;
+  // The bytes of slot's record that a commit writes: [*from, *to).
+  void Span(const Slot& slot, bool withTags, uint32_t* from, uint32_t* to) const;
+  // Puts the slot's changed words over fresh, the same span as the file holds it now.
+  void Merge(const Slot& slot, uint8_t* fresh, uint32_t from, uint32_t to) const;
+  bool CommitOne(Slot& slot);
+  bool CommitJournaled();
+  bool Fail(int error);
 
   int fd_ = -1;
   bool writable_ = false;
+  bool locked_ = false;  // this unit holds LOCK
   uint32_t words_ = 0;
   uint32_t records_ = 0;
   uint32_t tagBytes_ = 0;
   dev_t device_ = 0;
   ino_t inode_ = 0;
-  std::unique_ptr<uint8_t[]> record_;  // the loaded record: tag map, then words
-  uint32_t loaded_ = 0;                // its number; 0 when none
-  uint64_t loadedStamp_ = 0;           // the write count when it was read
-  bool dirty_ = false;
+  SharedFile* shared_ = nullptr;
+  std::vector<Slot> slots_;  // the records a statement touches; kept between statements
+  size_t current_ = 0;
+  int error_ = 0;
+  std::vector<uint8_t> fresh_;  // the file's bytes of the spans a commit writes
+  data_journal::Builder journal_;
 };
 
 // Reads the header of an open descriptor: kReadWrite when it is a sound data

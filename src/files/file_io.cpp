@@ -277,12 +277,24 @@ class AdvanceStmt final : public FileStmt {
   std::unique_ptr<NumericVar> left_;
 };
 
-// LOCK #n and UNLOCK #n: one machine shares no files, so they only check the number.
+// LOCK #n takes the file's lock, which every process on the machine sees,
+// waiting while another program holds it (Ctrl+C breaks the wait); UNLOCK #n,
+// CLOSE #n and the end of the run let it go. Units of one program on one file
+// share it.
 class LockStmt final : public FileStmt {
  public:
   LockStmt(FileUnits& units, NumericExpPtr number, TokenCode keyword)
       : FileStmt(units, std::move(number)), keyword_(keyword) {}
-  Statement* Execute() override { return UnitOf(units_, *number_) ? successor_ : Fail(g_err.run); }
+  Statement* Execute() override {
+    FileUnit* unit = UnitOf(units_, *number_);
+    if (!unit) return Fail(g_err.run);
+    if (keyword_ == tok::kUnlock) {
+      unit->Unlock();
+      return successor_;
+    }
+    // A broken wait goes on to the run's own break test.
+    return unit->Lock() == FileUnit::kFail ? Fail(g_err.run) : successor_;
+  }
   TokenCode Code() const override { return keyword_; }
   size_t Size() const override { return sizeof *this + BaseSize(); }
   void List(std::string& out) const override {

@@ -1,7 +1,6 @@
 #include "files/file_units.h"
 
-#include <sys/stat.h>
-
+#include <cerrno>
 #include <cmath>
 
 #include "base/convert.h"
@@ -15,17 +14,20 @@ constexpr float kTypeNumber = 1, kTypeString = 2, kTypeEndFile = 3, kTypeEndReco
 OpenStatus FileUnit::Open(const std::string& path, bool readOnly) {
   Close();
   OpenStatus status = file_.Open(path, readOnly);
-  record_ = 1;
-  word_ = 0;
-  item_ = 1;
+  Enter(1);
   return status;
 }
 
 void FileUnit::Close() {
   file_.Close();
-  record_ = 1;
+  Enter(1);
+}
+
+void FileUnit::Enter(uint32_t record) {
+  record_ = record;
   word_ = 0;
   item_ = 1;
+  entered_ = true;
 }
 
 FileUnit::Result FileUnit::Failed(uint32_t code) {
@@ -33,20 +35,46 @@ FileUnit::Result FileUnit::Failed(uint32_t code) {
   return kFail;
 }
 
-FileUnit::Result FileUnit::Load() { return file_.Load(record_) ? kOk : Failed(err::kFileError); }
+FileUnit::Result FileUnit::FileFailed() {
+  switch (file_.Error()) {
+    case ENOSPC:
+    case EFBIG:
+    case EDQUOT:
+      return Failed(err::kNoRoom);
+    case EINTR:
+      return Failed(err::kBreak);
+    default:
+      return Failed(err::kFileError);
+  }
+}
+
+// Another program may have written the record since it was read: entering it reads it again.
+FileUnit::Result FileUnit::Load() {
+  if (!file_.Load(record_, entered_)) return FileFailed();
+  entered_ = false;
+  return kOk;
+}
 
 FileUnit::Result FileUnit::Seek(float record) {
-  if (!file_.Store()) return Failed(err::kFileError);
+  if (!file_.Commit()) return FileFailed();
   int64_t r;
-  if (std::isnan(record) || !conv::RoundIn(record, 1, INT64_MAX, &r)) {
-    if (record > 0) return kEnd;  // beyond any file: an infinity
+  if (std::isnan(record) || !conv::RoundIn(record, 1, data_file::kMaxRecords, &r))
     return Failed(err::kArgOutOfRange);
-  }
   if (r > file_.Records()) return kEnd;
-  record_ = static_cast<uint32_t>(r);
-  word_ = 0;
-  item_ = 1;
+  Enter(static_cast<uint32_t>(r));
   return kOk;
+}
+
+FileUnit::Result FileUnit::Lock() {
+  switch (file_.Lock()) {
+    case host::LockWait::kLocked:
+      return kOk;
+    case host::LockWait::kStopped:
+      return kEnd;
+    case host::LockWait::kFailed:
+      break;
+  }
+  return FileFailed();
 }
 
 FileUnit::Result FileUnit::Next(FileItem* item, bool bound) {
@@ -63,9 +91,7 @@ FileUnit::Result FileUnit::Next(FileItem* item, bool bound) {
         return Failed(err::kFileDamaged);
       case FileItem::kEndRecord:
         if (bound || record_ >= file_.Records()) return kEnd;
-        ++record_;
-        word_ = 0;
-        item_ = 1;
+        Enter(record_ + 1);
         break;
     }
   }
@@ -99,10 +125,7 @@ FileUnit::Result FileUnit::Room(uint32_t size, bool bound) {
     // Serial writing flows into the next record; the rest of this one is marked unused.
     if (word_ < words) file_.PutEndRecord(word_);
     if (record_ >= file_.Records()) return kEnd;
-    if (!file_.Store()) return Failed(err::kFileError);
-    ++record_;
-    word_ = 0;
-    item_ = 1;
+    Enter(record_ + 1);
   }
 }
 
@@ -130,10 +153,7 @@ FileUnit::Result FileUnit::WriteEndFile() {
   if (word_ >= file_.Words()) {
     // A full record: the mark opens the next one, if there is one.
     if (record_ >= file_.Records()) return kOk;
-    if (!file_.Store()) return Failed(err::kFileError);
-    ++record_;
-    word_ = 0;
-    item_ = 1;
+    Enter(record_ + 1);
     if (Result r = Load(); r != kOk) return r;
   }
   file_.PutEndFile(word_);
@@ -143,7 +163,7 @@ FileUnit::Result FileUnit::WriteEndFile() {
 FileUnit::Result FileUnit::FinishWrite(bool endRecord) {
   if (endRecord && file_.Writable() && word_ < file_.Words() && Load() == kOk)
     file_.PutEndRecord(word_);
-  return file_.Store() ? kOk : Failed(err::kFileError);
+  return file_.Commit() ? kOk : FileFailed();
 }
 
 FileUnit::Result FileUnit::UpdateNumber(float value) {
@@ -188,6 +208,7 @@ FileUnit::Result FileUnit::Skip(uint64_t count, uint64_t* left) {
 
 float FileUnit::Type(bool acrossRecords) {
   uint32_t record = record_, word = word_, item = item_;
+  bool entered = entered_;
   FileItem next;
   Result r = Next(&next, !acrossRecords);
   float type = kTypeEndFile;
@@ -200,6 +221,7 @@ float FileUnit::Type(bool acrossRecords) {
   record_ = record;
   word_ = word;
   item_ = item;
+  entered_ = entered;
   return type;
 }
 
@@ -221,11 +243,9 @@ FileUnit* FileUnits::OpenUnit(float number) {
   return unit;
 }
 
-bool FileUnits::Holds(const std::string& path) const {
-  struct stat st;
-  if (stat(path.c_str(), &st) != 0) return false;
+bool FileUnits::Holds(dev_t device, ino_t inode) const {
   for (const FileUnit& unit : units_)
-    if (unit.IsOpen() && unit.File().Device() == st.st_dev && unit.File().Inode() == st.st_ino)
+    if (unit.IsOpen() && unit.File().Device() == device && unit.File().Inode() == inode)
       return true;
   return false;
 }

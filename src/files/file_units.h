@@ -22,7 +22,8 @@ class FileUnit final {
   OpenStatus Open(const std::string& path, bool readOnly);
   void Close();  // keeps the end branch: it belongs to the number
 
-  // To the start of a record: kEnd past the last one, kFail (kArgOutOfRange) below 1.
+  // To the start of a record: kEnd past the last one, kFail (kArgOutOfRange)
+  // below 1 or past the records a float can number one by one.
   Result Seek(float record);
   // The next item into target. Bound operations stay in the record they
   // started in; serial ones pass end-of-record marks into the next records.
@@ -32,7 +33,8 @@ class FileUnit final {
   // An end-of-file mark at the pointer, which stays on it.
   Result WriteEndFile();
   // Ends a PRINT: an end-of-record mark after the items when endRecord (the
-  // pointer stays on it, so the next PRINT writes over it), then stores the record.
+  // pointer stays on it, so the next PRINT writes over it), then writes what
+  // the statement changed, all of it or, should the process be killed, none.
   Result FinishWrite(bool endRecord);
   // Replaces the next item with a value of its type; a string keeps its length.
   Result UpdateNumber(float value);
@@ -46,6 +48,11 @@ class FileUnit final {
   uint32_t Record() const { return record_; }
   uint32_t Item() const { return item_; }
 
+  // LOCK #n and UNLOCK #n. kFail is set only for a lock that cannot be had;
+  // a wait broken by Ctrl+C returns kEnd, the break left for the run.
+  Result Lock();
+  void Unlock() { file_.Unlock(); }
+
   Statement* endTarget = nullptr;  // ON END # target, or null
 
  private:
@@ -55,11 +62,14 @@ class FileUnit final {
   Result Room(uint32_t size, bool bound);
   Result Load();
   Result Failed(uint32_t code);
+  Result FileFailed();  // the error of the file's last failure
+  void Enter(uint32_t record);
 
   DataFile file_;
   uint32_t record_ = 1;  // 1-based
   uint32_t word_ = 0;    // next word in the record
   uint32_t item_ = 1;    // number of the next item in the record, for ITM
+  bool entered_ = true;  // the pointer entered the record: it is read afresh
   std::string scratch_;  // a string item copied out before it is stored
 };
 
@@ -74,7 +84,7 @@ class FileUnits final {
   FileUnit* Unit(float number);
   FileUnit& operator[](int index) { return units_[index]; }
   // True when one of the units has the file open.
-  bool Holds(const std::string& path) const;
+  bool Holds(dev_t device, ino_t inode) const;
   void CloseAll();
 
   int declared = 0;  // file numbers given out by the FILES statements linked so far

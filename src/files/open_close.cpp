@@ -1,11 +1,14 @@
 // The statements that name, open, create and remove data files: FILES, ASSIGN,
-// CREATE, PURGE and CLOSE #. File names are host paths, relative to the working folder.
+// CREATE, PURGE and CLOSE #. File names are host paths, relative to the working
+// folder, confined to the sandbox when there is one.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 #include "expr/variables.h"
+#include "files/data_journal.h"
 #include "files/file_parsers.h"
 #include "files/file_units.h"
 #include "stmt/stmt_context.h"
@@ -26,9 +29,19 @@ float AssignStatus(OpenStatus status) {
     case OpenStatus::kDamaged:
       return 4;
     case OpenStatus::kFailed:
+    case OpenStatus::kBadName:
+    case OpenStatus::kOutside:
       break;
   }
   return 5;
+}
+
+// The error of a name that no status stands for: one no file can have, or one
+// outside the sandbox. Raised rather than put in a status, so it is seen.
+ErrorCode NameError(OpenStatus status) {
+  if (status == OpenStatus::kBadName) return err::kBadFileName;
+  if (status == OpenStatus::kOutside) return err::kOutsideSandbox;
+  return 0;
 }
 
 // The error of a FILES name that does not open.
@@ -43,6 +56,10 @@ ErrorCode OpenError(OpenStatus status) {
       return err::kNotOnAsciiFile;
     case OpenStatus::kDamaged:
       return err::kFileDamaged;
+    case OpenStatus::kBadName:
+      return err::kBadFileName;
+    case OpenStatus::kOutside:
+      return err::kOutsideSandbox;
     case OpenStatus::kFailed:
       break;
   }
@@ -95,8 +112,8 @@ class FilesStmt final : public Statement {
 };
 
 // ASSIGN name, n, r [, RR|WR|NR]: opens a file as number n, closing what n had.
-// "*" as the name only closes. RR opens for reading only; one machine shares
-// no files, so WR and NR both read and write.
+// "*" as the name only closes. RR opens for reading only; WR and NR both read
+// and write, programs sharing a file through LOCK.
 class AssignStmt final : public Statement {
  public:
   AssignStmt(FileUnits& units, StringExpPtr name, NumericExpPtr number,
@@ -114,10 +131,13 @@ class AssignStmt final : public Statement {
     FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
     if (!unit) return Fail(g_err.run);
     float status = 0;
-    if (path == "*")
+    if (path == "*") {
       unit->Close();
-    else
-      status = AssignStatus(unit->Open(path, restriction_ == tok::kRr));
+    } else {
+      OpenStatus opened = unit->Open(path, restriction_ == tok::kRr);
+      if (ErrorCode code = NameError(opened)) return Fail(code);
+      status = AssignStatus(opened);
+    }
     status_->Assign(status);
     return g_err.run ? Fail(g_err.run) : successor_;
   }
@@ -150,7 +170,7 @@ class AssignStmt final : public Statement {
 
 // CREATE r, name, records [, words]: a new file of empty records. r gets 0
 // (created), 1 (a file of that name exists, and is kept), 2 (sizes out of
-// range) or 3 (the file cannot be made).
+// range) or 3 (the file cannot be made, or the disk has no room for it).
 class CreateStmt final : public Statement {
  public:
   CreateStmt(std::unique_ptr<NumericVar> status, StringExpPtr name, NumericExpPtr records,
@@ -164,7 +184,10 @@ class CreateStmt final : public Statement {
     float records = records_->Evaluate();
     float words = words_ ? words_->Evaluate() : static_cast<float>(data_file::kDefaultWords);
     if (g_err.run) return Fail(g_err.run);
-    status_->Assign(static_cast<float>(static_cast<int>(DataFile::Create(path, records, words))));
+    CreateStatus created = DataFile::Create(path, records, words);
+    if (created == CreateStatus::kBadName) return Fail(err::kBadFileName);
+    if (created == CreateStatus::kOutside) return Fail(err::kOutsideSandbox);
+    status_->Assign(static_cast<float>(static_cast<int>(created)));
     return g_err.run ? Fail(g_err.run) : successor_;
   }
   TokenCode Code() const override { return tok::kCreate; }
@@ -193,18 +216,24 @@ class CreateStmt final : public Statement {
   StringValue work_;
 };
 
-// PURGE r, name: removes a data file. Only a file that begins as a data file
-// is removed, so a mistyped name never deletes a program. r gets 0 (removed),
-// 1 (no such file), 2 (not a data file), 3 (cannot be removed) or 4 (open in
-// one of the program's file numbers).
+// PURGE r, name: removes a data file. Only a file that begins as a data file,
+// or an empty one, is removed, so a mistyped name never deletes a program. r
+// gets 0 (removed), 1 (no such file), 2 (not a data file), 3 (cannot be
+// removed) or 4 (open in one of the program's file numbers).
 class PurgeStmt final : public Statement {
  public:
   PurgeStmt(FileUnits& units, std::unique_ptr<NumericVar> status, StringExpPtr name)
       : units_(units), status_(std::move(status)), name_(std::move(name)) {}
   Statement* Execute() override {
-    std::string path(name_->Evaluate(work_));
+    std::string_view name = name_->Evaluate(work_);
     if (g_err.run) return Fail(g_err.run);
-    status_->Assign(Purge(path));
+    std::string path;
+    host::Place place;
+    int error = host::HostPath(name, &path);
+    if (!error) error = place.Resolve(path);
+    if (ErrorCode code = NameError(NameStatus(error))) return Fail(code);
+    status_->Assign(error ? (NameStatus(error) == OpenStatus::kMissing ? 1.0f : 3.0f)
+                          : Purge(place));
     return g_err.run ? Fail(g_err.run) : successor_;
   }
   TokenCode Code() const override { return tok::kPurge; }
@@ -217,16 +246,22 @@ class PurgeStmt final : public Statement {
   }
 
  private:
-  float Purge(const std::string& path) const {
-    int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  float Purge(const host::Place& place) const {
+    int fd = place.Open(O_RDONLY | O_NONBLOCK);
     if (fd < 0) return errno == ENOENT || errno == ENOTDIR ? 1 : 3;
     uint32_t words, records;
-    OpenStatus kind = ReadDataHeader(fd, &words, &records);
+    struct stat st;
+    OpenStatus kind = fstat(fd, &st) == 0 && S_ISREG(st.st_mode)
+                          ? ReadDataHeader(fd, &words, &records)
+                          : OpenStatus::kFailed;
     close(fd);
-    if (kind == OpenStatus::kNotData) return 2;
+    // An empty file holds nothing to lose: what an interrupted CREATE of old left.
+    if (kind == OpenStatus::kNotData && st.st_size != 0) return 2;
     if (kind == OpenStatus::kFailed) return 3;
-    if (units_.Holds(path)) return 4;
-    return unlink(path.c_str()) == 0 ? 0 : 3;
+    if (units_.Holds(st.st_dev, st.st_ino)) return 4;
+    if (place.Remove() != 0) return 3;
+    place.Sibling(data_journal::kSuffix).Remove();  // the file's journal goes with it
+    return 0;
   }
 
   FileUnits& units_;

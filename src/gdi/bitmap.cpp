@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/host_files.h"
+
 namespace {
 
 using Wide = __int128;  // products of two 33-bit spans, needed only to set a line up
@@ -96,10 +98,14 @@ void Bitmap::LineTo(int32_t x, int32_t y) {
 }
 
 bool Bitmap::WritePpm(const char* path) const {
-  std::string temp = std::string(path) + ".tmp";
-  FILE* f = std::fopen(temp.c_str(), "wb");
-  if (!f) return false;
-  bool ok = std::fprintf(f, "P6\n%u %u\n255\n", width_, height_) > 0;
+  // The temporary is made exclusively, so a link planted in its place is never followed.
+  host::Place place;
+  if (place.Resolve(path) != 0) return false;
+  host::TempFile temp(place);
+  if (temp.Create(0666) != 0) return false;
+  char header[64];
+  int length = std::snprintf(header, sizeof header, "P6\n%u %u\n255\n", width_, height_);
+  bool ok = host::WriteAllAt(temp.Descriptor(), header, static_cast<size_t>(length), -1) == 0;
   std::vector<unsigned char> row(size_t{width_} * 3);
   for (uint32_t y = 0; ok && y < height_; ++y) {
     const uint32_t* src = pixels_.get() + size_t{y} * width_;
@@ -108,10 +114,7 @@ bool Bitmap::WritePpm(const char* path) const {
       row[3 * x + 1] = static_cast<unsigned char>(src[x] >> 8);
       row[3 * x + 2] = static_cast<unsigned char>(src[x]);
     }
-    ok = std::fwrite(row.data(), 1, row.size(), f) == row.size();
+    ok = host::WriteAllAt(temp.Descriptor(), row.data(), row.size(), -1) == 0;
   }
-  ok = std::fclose(f) == 0 && ok;
-  if (ok && std::rename(temp.c_str(), path) == 0) return true;
-  std::remove(temp.c_str());
-  return false;
+  return ok && temp.ReplaceTarget() == 0;
 }

@@ -14,6 +14,7 @@ constexpr const char* kAssign[] = {
     "<returnVar> gets 0 opened, 1 opened read-only, 2 no such file,",
     "3 not a data file, 4 damaged, 5 cannot be opened.",
     "<restriction> RR opens for reading only; WR and NR read and write.",
+    "Other programs may have the file open too: see LOCK.",
 };
 constexpr const char* kAdvance[] = {
     "ADVANCE #<fileNumber>;<count>,<returnVar> - Skip items in a file.",
@@ -34,8 +35,8 @@ constexpr const char* kChain[] = {
     "Loads, links and runs another program from its start or from",
     "<stmtIdentifier>; its COM variables take the values of this program's",
     "by position. Files are closed. On a failure <returnVar> gets the error",
-    "(1015 cannot open, 1016 bad lines, or the link's) and the program goes",
-    "on; without it the run stops.",
+    "(1015 cannot open, 1016 bad lines, 2012 outside the sandbox, or the",
+    "link's) and the program goes on; without it the run stops.",
 };
 constexpr const char* kClose[] = {
     "CLOSE @<gdiNumber>",
@@ -61,7 +62,8 @@ constexpr const char* kCreate[] = {
     "CREATE <returnVar>,<fileName>,<records>[,<recordSize>] - Create a file.",
     "<recordSize> in words, 1 to 256 (256 when left out); a number takes 2",
     "words, a string 1 + half its length. <returnVar> gets 0 created, 1 the",
-    "file exists (kept), 2 sizes out of range (1 GiB at most), 3 failed.",
+    "file exists (kept), 2 sizes out of range (1 GiB and 16777215 records",
+    "at most), 3 failed, or no room on the disk for the whole file.",
 };
 constexpr const char* kData[] = {
     "DATA <dataSpec> [,<dataSpecList>]",
@@ -169,7 +171,13 @@ constexpr const char* kLineTo[] = {
     "Draws a line from the pen position to x,y, which becomes the pen",
     "position; the end point itself is not drawn. UPDATE shows it.",
 };
-constexpr HelpLine kLock{"LOCK #<fileNumber> - Accepted; files are not shared."};
+constexpr const char* kLock[] = {
+    "LOCK #<fileNumber> - Take the data file's lock, shared by all programs.",
+    "Another program's LOCK on the file waits until UNLOCK, CLOSE # or the",
+    "end of the run; Ctrl+C breaks the wait. Each statement is written",
+    "whole and READ # sees others' writes, but only LOCK keeps a READ # and",
+    "the PRINT # after it together: LOCK, read, write, UNLOCK.",
+};
 constexpr const char* kLinput[] = {
     "LINPUT [\"prompt\",]<stringVar>",
     "Reads a whole typed line, blanks, quotes and commas included.",
@@ -228,8 +236,8 @@ constexpr const char* kPrint[] = {
 };
 constexpr const char* kPurge[] = {
     "PURGE <returnVar>,<fileName> - Delete a data file.",
-    "<returnVar> gets 0 deleted, 1 no such file, 2 not a data file (kept),",
-    "3 cannot be deleted, 4 open in this program.",
+    "<returnVar> gets 0 deleted, 1 no such file, 2 not a data file (kept;",
+    "an empty file is deleted), 3 cannot be deleted, 4 open in this program.",
 };
 constexpr const char* kRead[] = {
     "READ [<readList>]",
@@ -273,7 +281,7 @@ constexpr const char* kSystem[] = {
     KEPT_AS_TEXT("SYSTEM"),
     "END or STOP ends a program; BYE leaves the shell.",
 };
-constexpr HelpLine kUnlock{"UNLOCK #<fileNumber> - Accepted; files are not shared."};
+constexpr HelpLine kUnlock{"UNLOCK #<fileNumber> - Let go of the data file's lock (HELP LOCK)."};
 constexpr const char* kUntil[] = {
     "UNTIL <numericExp> - End of REPEAT/UNTIL clause.",
     "Goes back to the REPEAT while the value is 0.",
@@ -296,7 +304,8 @@ constexpr const char* kWindow[] = {
 #undef KEPT_AS_TEXT
 
 constexpr HelpText kExtendText{kExtend}, kOpenText{kOpen}, kSpawnText{kSpawn}, kSystemText{kSystem};
-constexpr HelpText kAdvanceText{kAdvance}, kCreateText{kCreate}, kPurgeText{kPurge};
+constexpr HelpText kAdvanceText{kAdvance}, kCreateText{kCreate}, kPurgeText{kPurge},
+    kLockText{kLock};
 constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, kCloseText{kClose},
     kColorText{kColor}, kComText{kCom}, kConvertText{kConvert}, kDataText{kData}, kDefText{kDef},
     kDimText{kDim}, kEndText{kEnd}, kEnterText{kEnter}, kFilesText{kFiles}, kForText{kFor},
@@ -317,7 +326,7 @@ constexpr HelpEntry kStatementEntries[] = {
     {"EXTEND", &kExtendText},   {"FILES", &kFilesText},     {"FOR", &kForText},
     {"GOSUB", &kGosubText},     {"GOTO", &kGotoText},       {"HIDE", &kHideText},
     {"IF", &kIfText},           {"IMAGE", &kImageText},     {"INPUT", &kInputText},
-    {"LET", &kLetText},         {"LINETO", &kLineToText},   {"LOCK", &kLock},
+    {"LET", &kLetText},         {"LINETO", &kLineToText},   {"LOCK", &kLockText},
     {"LINPUT", &kLinputText},   {"MAT", &kMatText},         {"MOVETO", &kMoveToText},
     {"NEXT", &kNextText},       {"OFF", &kOffText},         {"ON", &kOnText},
     {"OPEN", &kOpenText},       {"PRINT", &kPrintText},     {"PURGE", &kPurgeText},

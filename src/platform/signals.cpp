@@ -73,9 +73,27 @@ void InstallSignalHandlers(bool outputLossEnds) {
     Handle(sig, OnEnd, 0);
   }
   signal(SIGPIPE, SIG_IGN);
+  // A write past the file size limit (ulimit -f) fails with EFBIG and is
+  // reported; the signal would end the process and lose the program.
+  signal(SIGXFSZ, SIG_IGN);
 }
 
 void SetFlushHook(void (*flush)()) { g_flush = flush; }
+
+void FlushOutput() {
+  if (g_flush) g_flush();
+}
+
+BreakableWait::BreakableWait() {
+  struct sigaction sa = {};
+  if (sigaction(SIGINT, nullptr, &sa) != 0 || sa.sa_handler != OnInterrupt) return;
+  sa.sa_flags &= ~SA_RESTART;
+  changed_ = sigaction(SIGINT, &sa, nullptr) == 0;
+}
+
+BreakableWait::~BreakableWait() {
+  if (changed_) Handle(SIGINT, OnInterrupt, SA_RESTART);
+}
 
 void OutputLost() {
   if (g_outputLossEnds) RequestEnd(SIGPIPE);

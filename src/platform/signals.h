@@ -9,6 +9,21 @@ void InstallSignalHandlers(bool outputLossEnds);
 
 // What flushes the process's output before it ends or when the flush timer is due.
 void SetFlushHook(void (*flush)());
+// Flushes the output now, so that it is seen during a wait that may be long.
+void FlushOutput();
+
+// While one lives, Ctrl+C interrupts a blocking system call (EINTR) instead of
+// letting it restart, so that a wait on another process can be broken.
+class BreakableWait final {
+ public:
+  BreakableWait();
+  ~BreakableWait();
+  BreakableWait(const BreakableWait&) = delete;
+  BreakableWait& operator=(const BreakableWait&) = delete;
+
+ private:
+  bool changed_ = false;
+};
 
 // Standard output is gone (its reader closed it): ends a command-line run.
 void OutputLost();

@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "lex/keywords.h"
+#include "platform/host_files.h"
 #include "program/loader.h"
 #include "program/program.h"
 #include "program/run.h"
@@ -49,7 +50,10 @@ Statement* FindStart(Program& prog, const ChainStart& start) {
 ErrorCode Program::Chain(const std::string& path, const ChainStart& start, bool report,
                          bool* linkError) {
   SourceFile file;
-  if (!file.Open(path.c_str())) return err::kChainOpen;
+  if (!file.Open(path)) {
+    if (file.Error() == host::kOutside) return err::kOutsideSandbox;
+    return file.Error() == EINVAL ? err::kBadFileName : err::kChainOpen;
+  }
   std::unique_ptr<Program> next = LoadProgram(file, path, report);
   bool loaded = next->BadLines() == 0 && file.Limit() == 0 &&
                 (g_err.parse == 0 || g_err.parse == err::kEndOfFile);

@@ -8,28 +8,42 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 #include "console/console.h"
+#include "files/data_file.h"
 #include "platform/break_flag.h"
+#include "platform/host_files.h"
 #include "program/program.h"
 #include "stmt/simple_stmts.h"
+
+namespace {
+constexpr char kByteOrderMark[3] = {'\xEF', '\xBB', '\xBF'};
+}  // namespace
 
 SourceFile::~SourceFile() {
   if (fd_ >= 0) close(fd_);
 }
 
-bool SourceFile::Open(const char* path, Kind kind) {
+bool SourceFile::Open(std::string_view name, Kind kind) {
   // Without O_NONBLOCK, opening a FIFO would wait for a writer.
-  int flags = O_RDONLY | O_CLOEXEC | (kind == Kind::kRegular ? O_NONBLOCK : 0);
-  fd_ = open(path, flags);
-  if (fd_ < 0) return false;
+  int flags = O_RDONLY | (kind == Kind::kRegular ? O_NONBLOCK : 0);
+  std::string path;
+  error_ = host::HostPath(name, &path);
+  if (error_) return false;
+  fd_ = host::OpenHostFile(path, flags);
+  if (fd_ < 0) {
+    error_ = errno;
+    return false;
+  }
   struct stat st;
   bool ok = fstat(fd_, &st) == 0 && !S_ISDIR(st.st_mode);
   if (ok && kind == Kind::kRegular) ok = S_ISREG(st.st_mode);
   if (!ok) {
     close(fd_);
     fd_ = -1;
+    error_ = EISDIR;
   }
   return ok;
 }
@@ -77,6 +91,11 @@ bool SourceFile::GetLine(std::string& line) {
     }
     line += static_cast<char>(c);
     ++column;
+    // A UTF-8 byte-order mark, as some editors begin a file with, is no text.
+    if (bytes_ == 3 && line == std::string_view(kByteOrderMark, 3)) {
+      line.clear();
+      column = lineBytes = 0;
+    }
   }
   ended_ = true;
   if (line.empty()) return false;
@@ -169,22 +188,6 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
 
 namespace {
 
-// The file a name stands for: symbolic links are followed, relative ones from
-// their own folder, so that the file they name is replaced and the link stays.
-std::string ResolveLinks(std::string path) {
-  for (int hops = 0; hops < 40; ++hops) {
-    struct stat st;
-    if (lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) break;
-    char target[4096];
-    ssize_t n = readlink(path.c_str(), target, sizeof target - 1);
-    if (n <= 0) break;
-    std::string link(target, static_cast<size_t>(n));
-    size_t slash = path.rfind('/');
-    path = link[0] == '/' || slash == std::string::npos ? link : path.substr(0, slash + 1) + link;
-  }
-  return path;
-}
-
 bool WriteAll(int fd, std::string_view text) {
   while (!text.empty()) {
     ssize_t w = write(fd, text.data(), text.size());
@@ -196,37 +199,61 @@ bool WriteAll(int fd, std::string_view text) {
 }
 
 // A device is written where it is, as an output opened on it would be.
-int WriteInPlace(const std::string& path, std::string_view text) {
-  int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
-  if (fd < 0) return errno;
+SaveResult WriteInPlace(const host::Place& place, std::string_view text, int* error) {
+  int fd = place.Open(O_WRONLY | O_NOCTTY);
+  if (fd < 0) {
+    *error = errno;
+    return SaveResult::kOpen;
+  }
   bool ok = WriteAll(fd, text);
-  int error = ok ? 0 : (errno ? errno : EIO);
-  if (close(fd) != 0 && ok) error = errno;
-  return error;
+  *error = ok ? 0 : (errno ? errno : EIO);
+  if (close(fd) != 0 && ok) *error = errno;
+  return *error ? SaveResult::kWrite : SaveResult::kSaved;
 }
 
-// A regular file is written beside the target and renamed over it once complete;
-// the new file keeps the old one's owner and permission bits.
-int WriteAndRename(const std::string& path, const struct stat* old, std::string_view text) {
-  std::string temp = path + ".saving~";
-  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-  if (fd < 0 && errno == EEXIST && unlink(temp.c_str()) == 0)  // left by a save that died
-    fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-  if (fd < 0) return errno;
+// A regular file is written under a temporary name of this save's own beside
+// the target and renamed over it once complete, so that two sessions saving
+// one name each leave a whole program; the new file keeps the old one's owner
+// and permission bits.
+SaveResult WriteAndRename(const host::Place& place, const struct stat* old, std::string_view text,
+                          int* error) {
+  host::TempFile temp(place);
+  if ((*error = temp.Create(0666))) return SaveResult::kOpen;
+  int fd = temp.Descriptor();
   if (old) {
     // Only root may hand the file to another owner; for anyone else it stays theirs.
     (void)!fchown(fd, old->st_uid, old->st_gid);
     (void)!fchmod(fd, old->st_mode & 07777);
   }
-  bool ok = WriteAll(fd, text) && fsync(fd) == 0;
-  int error = ok ? 0 : (errno ? errno : EIO);
-  if (close(fd) != 0 && ok) ok = false, error = errno;
-  if (ok && rename(temp.c_str(), path.c_str()) != 0) ok = false, error = errno;
-  if (!ok) unlink(temp.c_str());
-  return error;
+  if (!WriteAll(fd, text) || fsync(fd) != 0) {
+    *error = errno ? errno : EIO;
+    return SaveResult::kWrite;
+  }
+  *error = temp.ReplaceTarget();
+  return *error ? SaveResult::kOpen : SaveResult::kSaved;
+}
+
+// The target must take output as an open for writing would (the rename alone
+// would ignore its permissions), and must not be a data file.
+SaveResult CheckTarget(const host::Place& place, int* error) {
+  int fd = place.Open(O_WRONLY | O_NONBLOCK | O_NOCTTY);
+  if (fd < 0) {
+    *error = errno;
+    return SaveResult::kOpen;
+  }
+  close(fd);
+  fd = place.Open(O_RDONLY | O_NONBLOCK);
+  uint32_t words, records;
+  bool data = fd >= 0 && ReadDataHeader(fd, &words, &records) != OpenStatus::kNotData;
+  if (fd >= 0) close(fd);
+  return data ? SaveResult::kDataFile : SaveResult::kSaved;
 }
 
 }  // namespace
+
+const char* RefusalNote(int error) {
+  return error == host::kOutside ? " (outside the sandbox)" : "";
+}
 
 std::string SavedText(const Program& prog, bool numbers) {
   std::string text;
@@ -245,23 +272,32 @@ std::string SavedText(const Program& prog, bool numbers) {
   return text;
 }
 
-int SaveProgram(const Program& prog, const std::string& path, bool numbers) {
-  std::string text = SavedText(prog, numbers);
-  std::string target = ResolveLinks(path);
+SaveResult SaveProgram(const Program& prog, const std::string& name, bool numbers) {
+  std::string text = SavedText(prog, numbers), path;
+  host::Place place;
+  int error = host::HostPath(name, &path);
+  if (!error) error = place.Resolve(path);
   struct stat st;
-  int error;
-  if (stat(target.c_str(), &st) != 0) {
-    error = errno == ENOENT ? WriteAndRename(target, nullptr, text) : errno;
+  SaveResult result = SaveResult::kOpen;
+  if (error) {
+    // the folder cannot be had, or lies outside the sandbox
+  } else if ((error = place.Stat(&st)) == ENOENT) {
+    result = WriteAndRename(place, nullptr, text, &error);
+  } else if (error) {
+    // refused as it stands
   } else if (S_ISCHR(st.st_mode)) {
-    error = WriteInPlace(target, text);
+    result = WriteInPlace(place, text, &error);
   } else if (!S_ISREG(st.st_mode)) {
     error = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;  // a folder, FIFO or disk is never replaced
-  } else {
-    // The target must take output as an open for writing would: the rename
-    // alone would ignore its permissions.
-    int fd = open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    error = fd < 0 ? errno : (close(fd), WriteAndRename(target, &st, text));
+  } else if ((result = CheckTarget(place, &error)) == SaveResult::kSaved) {
+    result = WriteAndRename(place, &st, text, &error);
   }
-  if (error) TheConsole().Printf("Cannot open %s for output.\n", path.c_str());
-  return error;
+  Console& con = TheConsole();
+  if (result == SaveResult::kOpen)
+    con.Printf("Cannot open %s for output%s.\n", name.c_str(), RefusalNote(error));
+  else if (result == SaveResult::kWrite)
+    con.Printf("Cannot write %s: %s.\n", name.c_str(), std::strerror(error));
+  else if (result == SaveResult::kDataFile)
+    con.Printf("%s is a data file: a program is not saved over it.\n", name.c_str());
+  return result;
 }

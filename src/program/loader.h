@@ -3,13 +3,15 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "base/errors.h"
 
 class Program;
 
 // Reads a program file line by line: tabs to multiples of 4, carriage returns
-// and NUL bytes skipped, Ctrl-Z ends the file, a last line without a line feed counts.
+// and NUL bytes skipped, Ctrl-Z ends the file, a last line without a line feed
+// counts, and a UTF-8 byte-order mark at the start is skipped.
 // Memory stays bounded: a file past kMaxBytes or kMaxLines, or a line past
 // kMaxLineBytes, ends the reading with Limit() set.
 class SourceFile {
@@ -23,7 +25,11 @@ class SourceFile {
   enum class Kind { kRegular, kAny };
 
   ~SourceFile();
-  bool Open(const char* path, Kind kind = Kind::kRegular);
+  // GET's way in, shared by every command that reads a program file: false
+  // with Error() set when the file cannot be had (host::kOutside for a name
+  // outside the sandbox).
+  bool Open(std::string_view name, Kind kind = Kind::kRegular);
+  int Error() const { return error_; }
   // The next line without its line feed; false at the end of the file or at a limit.
   bool GetLine(std::string& line);
   unsigned LineCount() const { return lines_; }  // line ends read so far
@@ -34,6 +40,7 @@ class SourceFile {
   int Fill();
 
   int fd_ = -1;
+  int error_ = 0;
   char buffer_[2048];
   int pos_ = 0, end_ = 0;
   bool ended_ = false;  // Ctrl-Z, the end of the file, a read error or a limit was met
@@ -49,7 +56,16 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
 // The program as SAVE writes it; without numbers only referenced lines keep theirs.
 std::string SavedText(const Program& prog, bool numbers);
 
-// Writes the program; 0, or the system's error number after the message. The
-// old file is replaced only once the new one is complete; symbolic links are
-// followed, devices written in place, other files that are not regular refused.
-int SaveProgram(const Program& prog, const std::string& path, bool numbers);
+// How a SAVE went: kOpen is a file that cannot be opened for output, kWrite
+// one whose writing failed (a full disk, a size limit), kDataFile a data file,
+// which a listing never replaces.
+enum class SaveResult { kSaved, kOpen, kWrite, kDataFile };
+
+// Writes the program, printing what went wrong. The old file is replaced only
+// once the new one is complete, through a temporary of this save's own;
+// symbolic links are followed, devices written in place, other files that are
+// not regular refused.
+SaveResult SaveProgram(const Program& prog, const std::string& path, bool numbers);
+
+// " (outside the sandbox)" for that error, else "": what a refusal adds to a message.
+const char* RefusalNote(int error);

@@ -1,6 +1,8 @@
 #include "shell/history_file.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,10 +12,14 @@
 
 #include "console/console.h"
 #include "console/line_history.h"
+#include "platform/host_files.h"
 
 namespace {
 
 constexpr size_t kMaxLines = LineHistory::kMaxLines;
+// The file is cut back when it holds this many lines: rarely, so that typing a
+// line costs one write.
+constexpr size_t kCompactAt = 2 * kMaxLines;
 // Enough of the file's end for kMaxLines of the longest lines.
 constexpr off_t kReadLimit = static_cast<off_t>(kMaxLines) * (Console::kLineMax + 1);
 
@@ -24,33 +30,61 @@ void MakeParents(const std::string& path) {
     mkdir(path.substr(0, slash).c_str(), 0700);
 }
 
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    ssize_t n = write(fd, bytes.data(), bytes.size());
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    bytes.remove_prefix(static_cast<size_t>(n));
-  }
-  return true;
-}
-
 // The last kReadLimit bytes of the file; partial tells whether that cut the file.
-bool ReadTail(const std::string& path, std::string* bytes, bool* partial) {
-  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (fd < 0) return false;
+bool ReadTail(int fd, std::string* bytes, bool* partial) {
   struct stat st;
   bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
   *partial = ok && st.st_size > kReadLimit;
-  if (*partial && lseek(fd, st.st_size - kReadLimit, SEEK_SET) < 0) ok = false;
+  off_t at = *partial ? st.st_size - kReadLimit : 0;
   char buffer[8192];
   while (ok && bytes->size() < static_cast<size_t>(kReadLimit)) {
-    ssize_t n = read(fd, buffer, sizeof buffer);
+    ssize_t n = pread(fd, buffer, sizeof buffer, at);
     if (n < 0 && errno == EINTR) continue;
     if (n <= 0) break;
     bytes->append(buffer, static_cast<size_t>(n));
+    at += n;
   }
-  close(fd);
   return ok;
+}
+
+// The history file, opened (and created) as a regular file; -1 when it is none.
+int OpenHistory(const host::Place& place, int flags) {
+  int fd = place.Open(flags | O_NONBLOCK, 0600);
+  struct stat st;
+  if (fd >= 0 && (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode))) {
+    close(fd);
+    fd = -1;
+  }
+  return fd;
+}
+
+// True when the descriptor's file was replaced by a compaction since it was opened.
+bool Replaced(int fd) {
+  struct stat st;
+  return fstat(fd, &st) != 0 || st.st_nlink == 0;
+}
+
+// The temporaries "NAME.<pid>~" that rewrites of old left when their process died.
+void RemoveOldTemporaries(const host::Place& place) {
+  int fd = openat(place.Folder(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  DIR* dir = fd >= 0 ? fdopendir(fd) : nullptr;
+  if (!dir) {
+    if (fd >= 0) close(fd);
+    return;
+  }
+  const std::string prefix = place.Name() + ".";
+  while (const dirent* entry = readdir(dir)) {
+    std::string_view name(entry->d_name);
+    if (name.size() < prefix.size() + 2 || name.compare(0, prefix.size(), prefix) != 0 ||
+        name.back() != '~')
+      continue;
+    std::string_view digits = name.substr(prefix.size(), name.size() - prefix.size() - 1);
+    if (digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string_view::npos)
+      continue;
+    pid_t pid = static_cast<pid_t>(std::strtol(std::string(digits).c_str(), nullptr, 10));
+    if (kill(pid, 0) != 0 && errno == ESRCH) unlinkat(fd, entry->d_name, 0);
+  }
+  closedir(dir);
 }
 
 }  // namespace
@@ -89,11 +123,16 @@ std::string HistoryFile::DefaultPath() {
 std::vector<std::string> HistoryFile::Load() {
   std::string bytes;
   bool partial = false;
-  if (path_.empty() || !ReadTail(path_, &bytes, &partial)) return {};
-  // Lines beyond the newest ones are counted, so that the next Append cuts them.
+  host::Place place;
+  if (path_.empty() || place.Resolve(path_) != 0) return {};
+  int fd = OpenHistory(place, O_RDONLY);
+  bool ok = fd >= 0 && ReadTail(fd, &bytes, &partial);
+  if (fd >= 0) close(fd);
+  if (!ok) return {};
+  // Lines beyond the newest ones are counted, so that Append cuts them in time.
   lines_ = 0;
   for (char c : bytes) lines_ += c == '\n';
-  if (partial) lines_ = kMaxLines + 1;
+  if (partial) lines_ = kCompactAt;
   std::vector<std::string> lines = HistoryLines(bytes, partial, kMaxLines);
   if (!lines.empty()) last_ = lines.back();
   return lines;
@@ -102,42 +141,60 @@ std::vector<std::string> HistoryFile::Load() {
 void HistoryFile::Append(std::string_view line) {
   if (path_.empty() || line.empty() || line == last_) return;
   last_.assign(line);
-  MakeParents(path_);
-  int fd = open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-  if (fd < 0) return;
-  struct stat st;
-  // Only a regular file is written: a FIFO or device named by mistake is left alone.
-  bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+  // Within a sandbox no folder is made: one outside it would be made before it is refused.
+  if (!host::Sandboxed()) MakeParents(path_);
   std::string text(line);
   text += '\n';
-  ok = ok && WriteAll(fd, text);  // one write: lines of two sessions do not mix
-  close(fd);
-  if (ok && ++lines_ > kMaxLines) Trim();
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    host::Place place;
+    if (place.Resolve(path_) != 0) return;
+    int fd = OpenHistory(place, O_WRONLY | O_APPEND | O_CREAT);
+    if (fd < 0) return;
+    // A compaction holds the lock while it replaces the file: the line waits,
+    // then goes into the new file.
+    if (host::LockWhole(fd, false) != host::LockWait::kLocked || Replaced(fd)) {
+      close(fd);
+      continue;
+    }
+    bool ok = host::WriteAllAt(fd, text.data(), text.size(), -1) == 0;  // one write
+    close(fd);
+    if (ok && ++lines_ > kCompactAt) Compact();
+    return;
+  }
 }
 
-// Rewrites the file with its newest lines: a new file beside it, renamed over it once
-// complete, so that a failure leaves the old one.
-void HistoryFile::Trim() {
+// Rewrites the file with its newest lines: a new file beside it, renamed over it
+// once complete, all under the exclusive lock, so that no session's line falls
+// between the reading and the rename.
+void HistoryFile::Compact() {
+  host::Place place;
+  if (place.Resolve(path_) != 0) return;
+  int fd = OpenHistory(place, O_RDONLY);
+  if (fd < 0) return;
   std::string bytes;
   bool partial = false;
-  if (!ReadTail(path_, &bytes, &partial)) return;
-  std::vector<std::string> lines = HistoryLines(bytes, partial, kMaxLines);
-  std::string text;
-  for (const std::string& line : lines) {
-    text += line;
-    text += '\n';
+  if (host::LockWhole(fd, true) == host::LockWait::kLocked && !Replaced(fd) &&
+      ReadTail(fd, &bytes, &partial)) {
+    size_t count = 0;
+    for (char c : bytes) count += c == '\n';
+    std::vector<std::string> lines = HistoryLines(bytes, partial, kMaxLines);
+    if (!partial && count <= kMaxLines) {
+      lines_ = count;  // another session cut it back already
+    } else {
+      std::string text;
+      for (const std::string& kept : lines) {
+        text += kept;
+        text += '\n';
+      }
+      host::TempFile temp(place);
+      struct stat st;
+      if (temp.Create(0600) == 0 && fstat(fd, &st) == 0 &&
+          fchmod(temp.Descriptor(), st.st_mode & 0777) == 0 &&
+          host::WriteAllAt(temp.Descriptor(), text.data(), text.size(), 0) == 0 &&
+          fsync(temp.Descriptor()) == 0 && temp.ReplaceTarget() == 0)
+        lines_ = lines.size();
+      RemoveOldTemporaries(place);
+    }
   }
-  // A symbolic link stays: the file it names is replaced.
-  char* real = realpath(path_.c_str(), nullptr);
-  std::string target = real ? real : path_;
-  std::free(real);
-  std::string temp = target + "." + std::to_string(getpid()) + "~";
-  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-  if (fd < 0) return;
-  bool ok = WriteAll(fd, text) && fsync(fd) == 0;
-  ok = close(fd) == 0 && ok;
-  if (ok && rename(temp.c_str(), target.c_str()) == 0)
-    lines_ = lines.size();
-  else
-    unlink(temp.c_str());
+  close(fd);
 }

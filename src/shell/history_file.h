@@ -1,6 +1,8 @@
 // The shell's lines kept across sessions: one line per typed shell line, the newest
-// last, at most LineHistory::kMaxLines of them. Every failure is silent: history is a
-// convenience and never stops the shell.
+// last. Each line is appended with one write, under a shared lock, so sessions
+// never lose each other's lines; once the file holds twice LineHistory::kMaxLines,
+// one session cuts it back to the newest kMaxLines under the exclusive lock. Every
+// failure is silent: history is a convenience and never stops the shell.
 #pragma once
 #include <cstddef>
 #include <string>
@@ -20,7 +22,7 @@ class HistoryFile final {
   void Append(std::string_view line);
 
  private:
-  void Trim();
+  void Compact();
 
   std::string path_;
   size_t lines_ = 0;  // lines in the file, as far as this session knows

@@ -365,8 +365,8 @@ void Shell::Get(const char* line) {
   FileName(line, prog_->Text().size(), &name);
   if (name.empty()) return;
   SourceFile file;
-  if (!file.Open(name.c_str())) {
-    con_.Printf("Unable to open %s.\n", name.c_str());
+  if (!file.Open(name)) {
+    con_.Printf("Unable to open %s%s.\n", name.c_str(), RefusalNote(file.Error()));
     return;
   }
   NewProgram(LoadProgram(file, name, true));
@@ -438,7 +438,9 @@ void Shell::Save(const char* line) {
   }
   while (*rest == ' ') ++rest;
   bool numbers = !(*rest == 'n' || *rest == 'N');
-  if (SaveProgram(*prog_, name, numbers) != 0) con_.Printf("Unable to open %s.\n", name.c_str());
+  // A SAVE that fails keeps the program: only the message differs.
+  if (SaveProgram(*prog_, name, numbers) == SaveResult::kOpen)
+    con_.Printf("Unable to open %s.\n", name.c_str());
 }
 
 void Shell::Dump() {
@@ -559,7 +561,7 @@ int RunFile(const char* path, bool strict) {
   if (!file.Open(path, SourceFile::Kind::kAny)) {
     ErrorStreamScope errors(strict);
     PrintBanner();
-    TheConsole().Printf("\nUnable to open %s.\n", path);
+    TheConsole().Printf("\nUnable to open %s%s.\n", path, RefusalNote(file.Error()));
     TheConsole().Flush();
     return strict ? 1 : -1;
   }

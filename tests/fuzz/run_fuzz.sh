@@ -41,6 +41,7 @@ seed() {  # target folder
         while IFS= read -r line; do n=$((n + 1)) && printf '%s' "$line" >"$2/image-$n"; done
       } ;;
     data_file_fuzz) cp "$here"/seeds/data_file/* "$2"/ ;;
+    data_journal_fuzz) cp "$here"/seeds/data_journal/* "$2"/ ;;
   esac
 }
 

@@ -22,7 +22,7 @@ class DataFileTest : public ::testing::Test {
     dir_ = tmpl;
   }
   void TearDown() override { std::system(("rm -rf " + dir_).c_str()); }
-  std::string Path(const char* name) const { return dir_ + "/" + name; }
+  std::string Path(const std::string& name) const { return dir_ + "/" + name; }
   std::string Bytes(const char* name) const {
     std::ifstream in(Path(name), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), {});
@@ -109,7 +109,7 @@ TEST_F(DataFileTest, ItemsKeepTheirBitsAndLayout) {
     ASSERT_TRUE(file.Load(1));
     for (uint32_t i = 0; i < 7; ++i) file.PutNumber(2 * i, values[i]);
     file.PutEndRecord(14);
-    ASSERT_TRUE(file.Load(2));  // stores record 1 first
+    ASSERT_TRUE(file.Load(2));  // record 1 is kept until the commit
     file.PutString(0, std::string("AB\0C", 4));
     file.PutString(3, "");
     file.PutString(4, std::string(22, 'x'));  // 1 + 11 words: the record is full
@@ -192,6 +192,63 @@ TEST_F(DataFileTest, OpenTellsWhatIsWrong) {
   EXPECT_EQ(OpenOf("fifo"), OpenStatus::kFailed);
 }
 
+// A write changes only the items written: another opening's item in the same
+// record, written after this one read it, survives, whether or not the write
+// changes the record's tag map.
+TEST_F(DataFileTest, WritesChangeOnlyTheirItems) {
+  ASSERT_EQ(DataFile::Create(Path("a"), 2, 16), CreateStatus::kCreated);
+  DataFile one, two;
+  ASSERT_EQ(one.Open(Path("a"), false), OpenStatus::kReadWrite);
+  ASSERT_EQ(two.Open(Path("a"), false), OpenStatus::kReadWrite);
+  ASSERT_TRUE(one.Load(1));
+  one.PutNumber(0, 1.0f);
+  one.PutNumber(2, 2.0f);
+  ASSERT_TRUE(one.Commit());
+  ASSERT_TRUE(two.Load(1));
+  two.PutNumber(2, 22.0f);  // the tags stay: only the words are written
+  two.PutString(4, "NEW");  // new tags, merged into the map as the file holds it
+  ASSERT_TRUE(two.Commit());
+  one.PutNumber(0, 11.0f);  // one's copy of the record is stale
+  one.PutNumber(8, 5.0f);
+  ASSERT_TRUE(one.Commit());
+  DataFile check;
+  ASSERT_EQ(check.Open(Path("a"), true), OpenStatus::kReadOnly);
+  ASSERT_TRUE(check.Load(1));
+  EXPECT_EQ(check.ItemAt(0).number, 11.0f);
+  EXPECT_EQ(check.ItemAt(2).number, 22.0f);
+  EXPECT_EQ(check.ItemAt(4).text, "NEW");
+  EXPECT_EQ(check.ItemAt(8).number, 5.0f);
+}
+
+// LOCK belongs to the program: two of its units on one file never wait for each other.
+TEST_F(DataFileTest, UnitsOfOneProgramShareTheLock) {
+  ASSERT_EQ(DataFile::Create(Path("a"), 1, 8), CreateStatus::kCreated);
+  DataFile one, two;
+  ASSERT_EQ(one.Open(Path("a"), false), OpenStatus::kReadWrite);
+  ASSERT_EQ(two.Open(Path("a"), true), OpenStatus::kReadOnly);
+  EXPECT_EQ(one.Lock(), host::LockWait::kLocked);
+  EXPECT_EQ(two.Lock(), host::LockWait::kLocked);
+  one.Close();  // two still holds it
+  EXPECT_EQ(two.Lock(), host::LockWait::kLocked);
+  two.Unlock();
+}
+
+// CREATE has its space before it answers, and leaves no temporary behind.
+TEST_F(DataFileTest, CreateReservesTheSpace) {
+  ASSERT_EQ(DataFile::Create(Path("a"), 2000, 256), CreateStatus::kCreated);
+  struct stat st;
+  ASSERT_EQ(stat(Path("a").c_str(), &st), 0);
+  EXPECT_GE(static_cast<uint64_t>(st.st_blocks) * 512, static_cast<uint64_t>(st.st_size));
+  EXPECT_EQ(DataFile::Create(Path("a"), 1, 8), CreateStatus::kExists);
+  EXPECT_EQ(std::system(("test $(ls -A " + dir_ + " | wc -l) -eq 1").c_str()), 0);
+  // Every record must be reachable by a float: 2^24 - 1 records at most.
+  EXPECT_EQ(DataFile::Create(Path("b"), 16777216, 1), CreateStatus::kBadSize);
+  // A name the system would cut at its NUL byte is no name.
+  EXPECT_EQ(DataFile::Create(Path(std::string("c\0d", 3)), 1, 8), CreateStatus::kBadName);
+  DataFile file;
+  EXPECT_EQ(file.Open(Path("a") + std::string(1, '\0') + "x", false), OpenStatus::kBadName);
+}
+
 TEST_F(DataFileTest, TwoOpeningsSeeEachOthersWrites) {
   ASSERT_EQ(DataFile::Create(Path("a"), 1, 8), CreateStatus::kCreated);
   DataFile one, two;
@@ -200,7 +257,7 @@ TEST_F(DataFileTest, TwoOpeningsSeeEachOthersWrites) {
   ASSERT_TRUE(two.Load(1));
   ASSERT_TRUE(one.Load(1));
   one.PutNumber(0, 7.0f);
-  ASSERT_TRUE(one.Store());
+  ASSERT_TRUE(one.Commit());
   ASSERT_TRUE(two.Load(1));
   EXPECT_EQ(two.ItemAt(0).number, 7.0f);
 }

@@ -2,11 +2,13 @@
 #include "gdi/bitmap.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -183,6 +185,24 @@ TEST(Bitmap, PictureFileIsBinaryPpmTopToBottom) {
   EXPECT_EQ(bytes, "P6\n3 2\n255\n" + white + white + white + red + red + white);
   std::remove(path.c_str());
   EXPECT_FALSE(b->WritePpm("/nonexistent-folder/x.ppm"));
+}
+
+// A link planted where a temporary could be is never followed: the temporary
+// is a new file of its own, and no other file changes.
+TEST(Bitmap, PictureFileFollowsNoPlantedLink) {
+  std::string dir = ::testing::TempDir() + "bitmap_link_" + std::to_string(getpid());
+  std::filesystem::create_directories(dir);
+  std::string target = dir + "/precious", path = dir + "/gdi1.ppm";
+  std::ofstream(target) << "keep";
+  std::filesystem::create_symlink(target, path + ".tmp");
+  auto b = Picture(2, 2);
+  ASSERT_TRUE(b->WritePpm(path.c_str()));
+  std::ifstream in(target);
+  std::string kept((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(kept, "keep");
+  EXPECT_EQ(std::filesystem::file_size(path), 11u + 12u);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 3);  // no temporary left
+  std::filesystem::remove_all(dir);
 }
 
 }  // namespace

@@ -3,11 +3,13 @@
 #include "program/loader.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -17,6 +19,7 @@
 using namespace std::string_literals;
 
 #include "console/console.h"
+#include "files/data_file.h"
 #include "program/program.h"
 #include "program/run.h"
 #include "shell/shell.h"
@@ -25,6 +28,11 @@ using namespace std::string_literals;
 namespace {
 
 namespace fs = std::filesystem;
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
 
 class Loader : public ::testing::Test {
  protected:
@@ -129,12 +137,13 @@ TEST_F(Loader, SaveReplacesTheFileOnlyWhenComplete) {
   auto prog = Load(Write("in.bas", "10 FOR I=1 TO 2\n20 PRINT I\n30 NEXT I\n40 GOTO 20\n"));
   std::string path = (dir_ / "out.bas").string();
   Write("out.bas", "old");
-  ASSERT_EQ(SaveProgram(*prog, path, false), 0);
+  ASSERT_EQ(SaveProgram(*prog, path, false), SaveResult::kSaved);
   std::ifstream in(path);
   std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   EXPECT_EQ(saved, "\tFOR I=1 TO 2\n   20 \tPRINT I\n\tNEXT I\n\tGOTO 20\n");
-  EXPECT_FALSE(fs::exists(path + ".saving~"));
-  EXPECT_NE(SaveProgram(*prog, (dir_ / "none" / "x.bas").string(), true), 0);
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()),
+            2);  // no temporary
+  EXPECT_NE(SaveProgram(*prog, (dir_ / "none" / "x.bas").string(), true), SaveResult::kSaved);
   EXPECT_NE(Out().find("Cannot open "), std::string::npos);
 }
 
@@ -148,7 +157,7 @@ TEST_F(Loader, InterpreterLineIsSkippedAndSavedBack) {
   EXPECT_EQ(prog->interpreterLine, "#!/usr/bin/env basic");
   EXPECT_EQ(prog->BadLines(), 2);
   std::string path = (dir_ / "out.bas").string();
-  ASSERT_EQ(SaveProgram(*prog, path, false), 0);
+  ASSERT_EQ(SaveProgram(*prog, path, false), SaveResult::kSaved);
   std::ifstream in(path);
   std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   EXPECT_EQ(saved, "#!/usr/bin/env basic\n\tPRINT 1\n\tSTOP X\n\t#!x\n");  // bad lines as typed
@@ -158,7 +167,7 @@ TEST_F(Loader, InterpreterLineIsSkippedAndSavedBack) {
 TEST_F(Loader, PlainSaveKeepsTheStatementNumbers) {
   auto prog = Load(Write("in.bas", "100 PRINT 1\n250 IF 1 THEN\n1000 ENDIF\n"));
   std::string path = (dir_ / "numbered.bas").string();
-  ASSERT_EQ(SaveProgram(*prog, path, true), 0);
+  ASSERT_EQ(SaveProgram(*prog, path, true), SaveResult::kSaved);
   std::ifstream in(path);
   std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   EXPECT_EQ(saved, "  100 PRINT 1\n  250 IF 1 THEN\n 1000 ENDIF\n");
@@ -167,16 +176,85 @@ TEST_F(Loader, PlainSaveKeepsTheStatementNumbers) {
   EXPECT_EQ(Listing(*back), "  100   PRINT 1\n  250   IF 1 THEN\n 1000   ENDIF\n");
 }
 
-// A save that cannot be written leaves the file that was there as it was: here
-// the temporary name beside a 250-character target is too long to create.
+// A save that cannot be written leaves the file that was there as it was, and
+// no temporary beside it: here the file size limit stops the writing, and its
+// signal, which would end the process, is ignored as the shell ignores it.
 TEST_F(Loader, FailedSaveKeepsTheOldFile) {
+  auto prog = Load(Write("in.bas", "10 PRINT \"A LINE LONGER THAN THE LIMIT\"\n"));
+  std::string path = Write("kept.bas", "10 REM precious\n");
+  pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    signal(SIGXFSZ, SIG_IGN);
+    struct rlimit limit = {16, 16};
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(2);
+    bool told = SaveProgram(*prog, path, true) == SaveResult::kWrite &&
+                Out().find("Cannot write " + path + ": File too large.") != std::string::npos;
+    _exit(told ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_EQ(ReadFile(path), "10 REM precious\n");
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()), 2);
+}
+
+// A listing never replaces a data file, as PURGE never removes a program.
+TEST_F(Loader, SaveLeavesADataFile) {
   auto prog = Load(Write("in.bas", "10 PRINT 1\n"));
-  std::string path = Write(std::string(250, 'k'), "10 REM precious\n");
-  EXPECT_NE(SaveProgram(*prog, path, true), 0);
-  std::ifstream in(path);
-  std::string kept((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(kept, "10 REM precious\n");
-  EXPECT_NE(Out().find("Cannot open "), std::string::npos);
+  std::string path = (dir_ / "scores.dat").string();
+  ASSERT_EQ(DataFile::Create(path, 1, 8), CreateStatus::kCreated);
+  std::string before = ReadFile(path);
+  EXPECT_EQ(SaveProgram(*prog, path, true), SaveResult::kDataFile);
+  EXPECT_EQ(Out(), path + " is a data file: a program is not saved over it.\n");
+  EXPECT_EQ(ReadFile(path), before);
+}
+
+// Two sessions saving one name at once: each save is told the truth, and the
+// file is always one whole program, never empty or a mixture.
+TEST_F(Loader, TwoSessionsSaveOneName) {
+  std::string path = (dir_ / "shared.bas").string();
+  std::string texts[2] = {"   10 PRINT \"FIRST\"\n", "   10 REM " + std::string(5000, 's') + "\n"};
+  pid_t children[2];
+  for (int i = 0; i < 2; ++i) {
+    auto prog = Load(Write("in" + std::to_string(i) + ".bas", texts[i]));
+    children[i] = fork();
+    ASSERT_GE(children[i], 0);
+    if (children[i] == 0) {
+      for (int round = 0; round < 300; ++round)
+        if (SaveProgram(*prog, path, true) != SaveResult::kSaved) _exit(1);
+      _exit(0);
+    }
+  }
+  int torn = 0;
+  for (int read = 0; read < 2000; ++read) {
+    std::ifstream in(path, std::ios::binary);
+    std::string now((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.is_open() && now != texts[0] && now != texts[1]) ++torn;  // none before the first save
+  }
+  for (pid_t child : children) {
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }
+  EXPECT_EQ(torn, 0);
+  std::string last = ReadFile(path);
+  EXPECT_TRUE(last == texts[0] || last == texts[1]);
+}
+
+// Some editors begin a file with a UTF-8 byte-order mark: it is no text.
+TEST_F(Loader, AByteOrderMarkIsSkipped) {
+  auto prog = Load(Write("bom.bas",
+                         "\xEF\xBB\xBF"
+                         "#!/usr/bin/env basic\n10 PRINT 1\n"));
+  EXPECT_EQ(Out(), "");
+  EXPECT_EQ(prog->interpreterLine, "#!/usr/bin/env basic");
+  EXPECT_EQ(Listing(*prog), "   10   PRINT 1\n");
+  // Only at the start of the file, and only whole.
+  Load(Write("mid.bas",
+             "10 PRINT 1\n\xEF\xBB\xBF"
+             "20 PRINT 2\n"));
+  EXPECT_EQ(Out(), "Invalid Basic Stmt in file line 2\n");
 }
 
 TEST_F(Loader, RandomBytesLoadWithoutHarm) {
@@ -267,20 +345,15 @@ TEST_F(Loader, MissingFileFromTheCommandLine) {
 
 namespace {
 
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
 // A bad line is saved as typed: each SAVE and GET gives back the same file.
 TEST_F(Loader, BadLinesSurviveSaveAndGet) {
   auto prog = Load(Write("bad.bas", "10 REM a\n20 STOP X\nREM c\n"));
   prog->NumberUnnumbered();
   std::string first = (dir_ / "first.bas").string(), second = (dir_ / "second.bas").string();
-  ASSERT_EQ(SaveProgram(*prog, first, true), 0);
+  ASSERT_EQ(SaveProgram(*prog, first, true), SaveResult::kSaved);
   EXPECT_EQ(ReadFile(first), "   10 REM a\n   20 STOP X\n   30 REM c\n");
   prog = Load(first);
-  ASSERT_EQ(SaveProgram(*prog, second, true), 0);
+  ASSERT_EQ(SaveProgram(*prog, second, true), SaveResult::kSaved);
   EXPECT_EQ(ReadFile(second), ReadFile(first));
   EXPECT_EQ(Listing(*prog), "   10   REM a\n   20   ?STOP X\n   30   REM c\n");
 }
@@ -350,23 +423,23 @@ TEST_F(Loader, SaveTargets) {
   std::string real = Write("real.bas", "old"), link = (dir_ / "link.bas").string();
   ASSERT_EQ(chmod(real.c_str(), 0640), 0);
   ASSERT_EQ(symlink("real.bas", link.c_str()), 0);
-  ASSERT_EQ(SaveProgram(*prog, link, true), 0);
+  ASSERT_EQ(SaveProgram(*prog, link, true), SaveResult::kSaved);
   EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(ReadFile(real), "   10 PRINT 1\n");
   EXPECT_EQ(fs::status(real).permissions(), fs::perms(0640));
   std::string fifo = (dir_ / "fifo").string();
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-  EXPECT_NE(SaveProgram(*prog, fifo, true), 0);
+  EXPECT_NE(SaveProgram(*prog, fifo, true), SaveResult::kSaved);
   EXPECT_TRUE(fs::is_fifo(fifo));
-  EXPECT_NE(SaveProgram(*prog, dir_.string(), true), 0);
-  EXPECT_EQ(SaveProgram(*prog, "/dev/null", true), 0);
+  EXPECT_NE(SaveProgram(*prog, dir_.string(), true), SaveResult::kSaved);
+  EXPECT_EQ(SaveProgram(*prog, "/dev/null", true), SaveResult::kSaved);
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
-  EXPECT_NE(SaveProgram(*prog, "/dev/full", true), 0);
+  EXPECT_NE(SaveProgram(*prog, "/dev/full", true), SaveResult::kSaved);
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
   EXPECT_EQ(Out(), "Cannot open " + fifo + " for output.\nCannot open " + dir_.string() +
-                       " for output.\nCannot open /dev/full for output.\n");
-  EXPECT_EQ(fs::directory_iterator(dir_)->path().filename().string().find(".saving~"),
-            std::string::npos);
+                       " for output.\nCannot write /dev/full: No space left on device.\n");
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()),
+            4);  // no temporary
 }
 
 // A file its user may not write is not replaced: root is checked as another user.
@@ -379,7 +452,7 @@ TEST_F(Loader, SaveKeepsAReadOnlyFile) {
   ASSERT_GE(child, 0);
   if (child == 0) {
     if (geteuid() == 0 && setresuid(65534, 65534, 65534) != 0) _exit(2);
-    _exit(SaveProgram(*prog, path, true) != 0 ? 0 : 1);
+    _exit(SaveProgram(*prog, path, true) != SaveResult::kSaved ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);

@@ -4,13 +4,16 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -96,8 +99,56 @@ TEST_F(History, KeepsTheNewestLinesAcrossSessions) {
   ASSERT_EQ(kept.size(), 1000u);
   EXPECT_EQ(kept.front(), "LIST 0");
   EXPECT_EQ(kept.back(), "LIST 999");
+  // Each line is one write at the end; the file is cut back only past 2000 lines.
   std::string text = Read(path);
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1002);
+  for (int i = 1000; i < 1999; ++i) again.Append("LIST " + std::to_string(i));
+  text = Read(path);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1000);
+  EXPECT_EQ(HistoryFile(path).Load().front(), "LIST 999");
+}
+
+// Two sessions typing at once: neither loses a line of the other, cut-backs
+// included, and temporaries that killed rewrites left are removed.
+TEST_F(History, TwoSessionsKeepEachOthersLines) {
+  std::string path = Path("history");
+  std::ofstream(Path("history.99999999~")) << "left by a rewrite of old";
+  std::ofstream(Path(".history.abcdef~")) << "left by a killed rewrite";
+  std::ofstream(Path(".history.ghijkl~")) << "being made right now";
+  fs::last_write_time(Path(".history.abcdef~"),
+                      fs::file_time_type::clock::now() - std::chrono::hours(1));
+  constexpr int kLines = 2500;
+  pid_t children[2];
+  for (int i = 0; i < 2; ++i) {
+    children[i] = fork();
+    ASSERT_GE(children[i], 0);
+    if (children[i] == 0) {
+      HistoryFile file(path);
+      file.Load();
+      for (int n = 0; n < kLines; ++n) file.Append(std::string(1, "AB"[i]) + std::to_string(n));
+      _exit(0);
+    }
+  }
+  for (pid_t child : children) {
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+  }
+  // Each session's lines in the file are its newest ones, without a gap.
+  std::string text = Read(path);
+  for (char session : {'A', 'B'}) {
+    std::vector<int> numbers;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+      if (line[0] == session) numbers.push_back(std::stoi(line.substr(1)));
+    ASSERT_FALSE(numbers.empty()) << session;
+    EXPECT_EQ(numbers.back(), kLines - 1) << session;
+    for (size_t i = 1; i < numbers.size(); ++i)
+      ASSERT_EQ(numbers[i], numbers[i - 1] + 1)
+          << session << " lost a line after " << numbers[i - 1];
+  }
+  EXPECT_FALSE(fs::exists(Path("history.99999999~")));
+  EXPECT_FALSE(fs::exists(Path(".history.abcdef~")));
+  EXPECT_TRUE(fs::exists(Path(".history.ghijkl~")));  // too young to be known as left
 }
 
 TEST_F(History, OverlongFileIsCutAtTheNextLine) {
