@@ -92,6 +92,15 @@ expect "#! script" 0 'hello from a script
 ERROR Undefined value accessed in file line 3 in file "'"$work"'/hello.bas"' \
   env PATH="$work/bin:$PATH" "$work/hello.bas"
 
+# Each run seeds RND from the clock to the microsecond and the process: twenty
+# rolls of a die started one after another show at least four faces.
+printf '10 PRINT INT(RND(0)*6)+1\n' >"$work/die.bas"
+faces=$(for _ in $(seq 20); do "$basic" "$work/die.bas"; done | sort -u | wc -l)
+if [ "$faces" -lt 4 ]; then
+  echo "--- FAIL: twenty runs rolled only $faces different faces"
+  failures=$((failures + 1))
+fi
+
 if [ "$failures" -eq 0 ]; then
   echo "command line: all checks passed"
   exit 0

@@ -21,6 +21,8 @@ constexpr HelpLine kDump{"DUMP [<start#> [<end#>]] - Statements with sizes, afte
 constexpr HelpLine kSyms{"SYMS - Accepted; does nothing."};
 constexpr HelpLine kLabels{"LABELS - Statement numbers and labels referenced."};
 constexpr HelpLine kWidth{"WIDTH [<n>] - Show or set the PRINT width: 1-255, 0 unlimited."};
+constexpr HelpLine kRandomize{"RANDOMIZE [<x>] - Seed RND for PRINT, from x or the clock."};
+constexpr HelpLine kRandom{"RANDOM [<x>] - The same as RANDOMIZE."};
 constexpr const char* kClassicLines[] = {
     "CLASSIC [ON | OFF] - Show or set the classic switch.",
     "basic --classic starts with it on. It changes one rule:",
@@ -34,7 +36,8 @@ constexpr HelpEntry kCommandEntries[] = {
     {"DEL", &kDel},       {"SCR", &kScr},     {"LEN", &kLen},         {"BYE", &kBye},
     {"CLS", &kCls},       {"HELP", &kHelp},   {"NEW", &kNew},         {"EXIT", &kExit},
     {"QUIT", &kQuit},     {"PRINT", &kPrint}, {"DUMP", &kDump},       {"SYMS", &kSyms},
-    {"LABELS", &kLabels}, {"WIDTH", &kWidth}, {"CLASSIC", &kClassic},
+    {"LABELS", &kLabels}, {"WIDTH", &kWidth}, {"CLASSIC", &kClassic}, {"RANDOMIZE", &kRandomize},
+    {"RANDOM", &kRandom},
 };
 
 constexpr HelpGroup kCommands{kCommandEntries};

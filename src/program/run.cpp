@@ -57,7 +57,6 @@ ErrorCode LinkPasses(Program& prog) {
   for (Reference* r = prog.References().First(); r; r = r->Next())
     if (ErrorCode code = r->Link(prog)) return FailAt(code, r->owner);
 
-  ReseedRandom();
   prog.SetLinksCurrent();
   return 0;
 }
@@ -93,6 +92,7 @@ ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram,
 
 ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   TestAndClearBreak();
+  SeedRandomFromClock();  // CHAIN links without reseeding: the sequence goes on
   Program* prog = &first;
   std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
   RunState* run = &prog->run;
