@@ -1,10 +1,17 @@
-// The spellings of old listings and the classic substring store.
+// The spellings of old listings, RANDOMIZE among the names, and what the classic
+// switch changes: the substring store and mixed brackets.
 #include "base/dialect.h"
 #include "program_fixture.h"
 
 namespace {
 
 using namespace stmt_test;
+
+// The switch on for one test, off again however the test ends.
+struct ClassicOn {
+  ClassicOn() { g_classic = true; }
+  ~ClassicOn() { g_classic = false; }
+};
 
 TEST(ClassicSpellings, GoWordsListAsOneKeyword) {
   EXPECT_EQ(Listing("GO TO 100"), "GOTO 100");
@@ -31,6 +38,34 @@ TEST(ClassicSpellings, RemRunIntoItsText) {
   EXPECT_EQ(Listing("REMAINDER=5"), "REMAINDER=5");
   EXPECT_NE(ParseErrorOf("REM1 X"), 0u);
   EXPECT_EQ(Listing("REM  X"), "REM X");
+}
+
+TEST(ClassicSpellings, RandomizeIsAKeywordOnlyWhereAStatementStarts) {
+  EXPECT_EQ(Listing("RANDOMIZE"), "RANDOMIZE");
+  EXPECT_EQ(Listing("random  X*2"), "RANDOM X*2");
+  EXPECT_EQ(Listing("RANDOMIZE (5)"), "RANDOMIZE (5)");
+  EXPECT_EQ(Listing("IF X THEN RANDOMIZE 3"), "IF X THEN RANDOMIZE 3");
+  // Assignments and names elsewhere stay what they were.
+  EXPECT_EQ(Listing("RANDOM=5"), "RANDOM=5");
+  EXPECT_EQ(Listing("RANDOMIZE(2)=1"), "RANDOMIZE(2)=1");
+  EXPECT_EQ(Listing("PRINT RANDOM+1"), "PRINT RANDOM+1");
+  EXPECT_EQ(ParseErrorOf("RANDOMIZE \"A\""), err::kBadNumericExp);
+  EXPECT_EQ(ParseErrorOf("RANDOMIZE 1,2"), err::kTrailingChars);
+}
+
+TEST(ClassicBrackets, MixedClosersOnlyUnderTheSwitch) {
+  const char* lines[] = {"IF ABS(Z]>9 THEN 10", "PRINT LEN[A$)", "PRINT A$[1,2)", "DEF FNA(X]=X",
+                         "PRINT TAB(3];FNA[1)"};
+  for (const char* line : lines) EXPECT_NE(ParseErrorOf(line), 0u) << line;
+  ClassicOn on;
+  EXPECT_EQ(Listing(lines[0]), "IF ABS(Z)>9 THEN 10");
+  EXPECT_EQ(Listing(lines[1]), "PRINT LEN(A$)");
+  EXPECT_EQ(Listing(lines[2]), "PRINT A$[1,2]");
+  EXPECT_EQ(Listing(lines[3]), "DEF FNA(X)=X");
+  EXPECT_EQ(Listing(lines[4]), "PRINT TAB(3);FNA(1)");
+  // A bracket that closes nothing is still refused.
+  EXPECT_NE(ParseErrorOf("PRINT ABS(Z"), 0u);
+  EXPECT_NE(ParseErrorOf("PRINT (Z]"), 0u);
 }
 
 std::string StoreFirst(const char* value, const char* store) {
