@@ -96,7 +96,7 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   Program* prog = &first;
   std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
   RunState* run = &prog->run;
-  run->frame = RunFrame{};
+  run->StartFrame();
   run->console = &con;
   Statement* s = prog->First();
   if (!s->IsExecutable()) s = s->NextExecutable();
@@ -118,7 +118,7 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
             owned = std::move(incoming);
             prog = owned.get();
             run = &prog->run;
-            run->frame = RunFrame{};
+            run->StartFrame();
             run->console = &con;
             run->current = s;
             fileName = prog->Name().c_str();
