@@ -24,7 +24,8 @@ expect() {  # name expected-status expected-output command...
 usage="Usage: basic [--classic] [--strict] [<program file>]
 Without a file, basic starts its interactive shell: type HELP there.
 With one, it loads, links and runs the program, then exits.
-  --classic     A\$[s]=X gives A\$ the length s-1+LEN(X), as classic systems do
+  --classic     run old listings as classic systems did: their IMAGE formats,
+                FOR and NEXT, mixed brackets, substring stores (HELP CLASSIC)
   --strict      a run that fails, or a file that does not load, exits with
                 status 1 and writes its error report to standard error
   -h, --help    show this text

@@ -115,6 +115,7 @@ constexpr const char* kFor[] = {
     "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",
     "NEXT <numericVar> ends the loop. Step, limit and start are taken",
     "once; a loop whose start is past its limit is skipped.",
+    "With CLASSIC ON a NEXT is matched to its FOR while running.",
 };
 constexpr const char* kGosub[] = {
     "GOSUB <stmtIdentifier>",
@@ -149,6 +150,8 @@ constexpr const char* kImage[] = {
     "precision means none. A first #, + or - ends the line without",
     "a new line, with a carriage return, or with a line feed.",
     "Errors in a format are reported when PRINT USING runs it.",
+    "With CLASSIC ON formats are classic: 3D.2D, S5D, DDXDDD, D.DDE, 5A, 2X",
+    "and literals, separated by ',' (see HELP CLASSIC).",
 };
 constexpr const char* kInput[] = {
     "INPUT [\"prompt\",]<variable>[,<variableList>]",
