@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# End-to-end suites: BASIC programs run from the command line and shell
-# sessions piped into the interpreter, each compared byte for byte with its
-# expected output. Usage: run_e2e.sh path/to/basic [name-filter]
+# End-to-end suites: BASIC programs run from the command line (those named
+# classic_* with --classic) and shell sessions piped into the interpreter, each
+# compared byte for byte with its expected output. Usage: run_e2e.sh path/to/basic [name-filter]
 set -u
 basic=$(realpath "$1")
 filter=${2:-}
@@ -36,7 +36,10 @@ for bas in "$here"/programs/*.bas; do
   # Programs run in a fresh copy of their folder: relative file names work, and
   # the data files they write stay out of the source tree.
   rm -rf "$work/prog" && cp -r "$here/programs" "$work/prog"
-  (cd "$work/prog" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+  # Programs named classic_* are old listings, run with the classic switch on.
+  options=()
+  [[ "$name" == classic_* ]] && options=(--classic)
+  (cd "$work/prog" && timeout 20 "$basic" "${options[@]}" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   check "programs/$name" "${bas%.bas}.out" "$work/out"
 done

@@ -117,6 +117,7 @@ constexpr const char* kFor[] = {
     "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",
     "NEXT <numericVar> ends the loop. Step, limit and start are taken",
     "once; a loop whose start is past its limit is skipped.",
+    "With CLASSIC ON a NEXT is matched to its FOR while running.",
 };
 constexpr const char* kGosub[] = {
     "GOSUB <stmtIdentifier>",
@@ -151,6 +152,8 @@ constexpr const char* kImage[] = {
     "precision means none. A first #, + or - ends the line without",
     "a new line, with a carriage return, or with a line feed.",
     "Errors in a format are reported when PRINT USING runs it.",
+    "With CLASSIC ON formats are classic: 3D.2D, S5D, DDXDDD, D.DDE, 5A, 2X",
+    "and literals, separated by ',' (see HELP CLASSIC).",
 };
 constexpr const char* kInput[] = {
     "INPUT [\"prompt\",]<variable>[,<variableList>]",
@@ -239,6 +242,16 @@ constexpr const char* kPurge[] = {
     "<returnVar> gets 0 deleted, 1 no such file, 2 not a data file (kept;",
     "an empty file is deleted), 3 cannot be deleted, 4 open in this program.",
 };
+constexpr const char* kRandomize[] = {
+    "RANDOMIZE - Seed RND from the clock.",
+    "RANDOMIZE <numericExp> - Seed RND from the value: the same value",
+    "repeats the same numbers. RANDOM is the same statement. Each RUN seeds",
+    "from the clock; a program started by CHAIN goes on with its caller's",
+    "numbers. RANDOM=5 and the like stay assignments.",
+};
+constexpr const char* kRandom[] = {
+    "RANDOM [<numericExp>] - The older spelling of RANDOMIZE.",
+};
 constexpr const char* kRead[] = {
     "READ [<readList>]",
     "<readList> ::= <variable>[,<variableList>]",
@@ -312,9 +325,9 @@ constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, k
     kGosubText{kGosub}, kGotoText{kGoto}, kHideText{kHide}, kIfText{kIf}, kImageText{kImage},
     kInputText{kInput}, kLetText{kLet}, kLineToText{kLineTo}, kLinputText{kLinput}, kMatText{kMat},
     kMoveToText{kMoveTo}, kNextText{kNext}, kOffText{kOff}, kOnText{kOn}, kPrintText{kPrint},
-    kReadText{kRead}, kRemText{kRem}, kRestoreText{kRestore}, kShowText{kShow}, kSleepText{kSleep},
-    kSelectText{kSelect}, kUntilText{kUntil}, kUpdateText{kUpdate}, kWhileText{kWhile},
-    kWindowText{kWindow};
+    kSeeding{kRandomize}, kRandomText{kRandom}, kReadText{kRead}, kRemText{kRem},
+    kRestoreText{kRestore}, kShowText{kShow}, kSleepText{kSleep}, kSelectText{kSelect},
+    kUntilText{kUntil}, kUpdateText{kUpdate}, kWhileText{kWhile}, kWindowText{kWindow};
 
 constexpr HelpEntry kStatementEntries[] = {
     {"ASSIGN", &kAssignText},   {"ADVANCE", &kAdvanceText}, {"CASE", &kCaseText},
@@ -330,12 +343,12 @@ constexpr HelpEntry kStatementEntries[] = {
     {"LINPUT", &kLinputText},   {"MAT", &kMatText},         {"MOVETO", &kMoveToText},
     {"NEXT", &kNextText},       {"OFF", &kOffText},         {"ON", &kOnText},
     {"OPEN", &kOpenText},       {"PRINT", &kPrintText},     {"PURGE", &kPurgeText},
-    {"READ", &kReadText},       {"REM", &kRemText},         {"REPEAT", &kRepeat},
-    {"RESTORE", &kRestoreText}, {"RETURN", &kReturn},       {"SHOW", &kShowText},
-    {"SLEEP", &kSleepText},     {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},
-    {"STOP", &kStop},           {"SYSTEM", &kSystemText},   {"UNLOCK", &kUnlock},
-    {"UNTIL", &kUntilText},     {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},
-    {"WINDOW", &kWindowText},
+    {"RANDOM", &kRandomText},   {"RANDOMIZE", &kSeeding},   {"READ", &kReadText},
+    {"REM", &kRemText},         {"REPEAT", &kRepeat},       {"RESTORE", &kRestoreText},
+    {"RETURN", &kReturn},       {"SHOW", &kShowText},       {"SLEEP", &kSleepText},
+    {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},     {"STOP", &kStop},
+    {"SYSTEM", &kSystemText},   {"UNLOCK", &kUnlock},       {"UNTIL", &kUntilText},
+    {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},     {"WINDOW", &kWindowText},
 };
 
 constexpr HelpGroup kStatements{kStatementEntries};

@@ -21,10 +21,27 @@ constexpr HelpLine kDump{"DUMP [<start#> [<end#>]] - Statements with sizes, afte
 constexpr HelpLine kSyms{"SYMS - Accepted; does nothing."};
 constexpr HelpLine kLabels{"LABELS - Statement numbers and labels referenced."};
 constexpr HelpLine kWidth{"WIDTH [<n>] - Show or set the PRINT width: 1-255, 0 unlimited."};
+constexpr HelpLine kRandomize{"RANDOMIZE [<x>] - Seed RND for PRINT, from x or the clock."};
+constexpr HelpLine kRandom{"RANDOM [<x>] - The same as RANDOMIZE."};
 constexpr const char* kClassicLines[] = {
     "CLASSIC [ON | OFF] - Show or set the classic switch.",
-    "basic --classic starts with it on. It changes one rule:",
-    "A$[s]=X leaves A$ exactly s-1+LEN(X) characters long.",
+    "basic --classic starts with it on. Old listings then run as they did:",
+    "- A$[s]=X leaves A$ exactly s-1+LEN(X) characters long.",
+    "- IMAGE and PRINT USING formats are fields separated by ',': D a digit,",
+    "  3D three, . the point, S the sign (before the first digit printed),",
+    "  X a blank (between digits too: DDXDDD), E at the end an exponent",
+    "  E+dd; 5A or AAAAA a string, cut or padded; 2X blanks; \"text\", /",
+    "  and n(...). A number that does not fit fills its field with *; values",
+    "  left over run the format again on a new line.",
+    "- An argument list or substring closes with either bracket: ABS(Z] is",
+    "  read and listed as ABS(Z).",
+    "- A program file line holding only TAPE or KEY is skipped.",
+    "- NEXT goes on with the latest FOR of its variable that is still",
+    "  active, found while running; a FOR of that variable starts it again;",
+    "  RETURN ends the loops of its subroutine; a NEXT without one stops the",
+    "  run with \"NEXT without matching FOR\".",
+    "Formats and loops follow the switch as the program runs; brackets and",
+    "TAPE lines as lines are read.",
 };
 constexpr HelpText kClassic{kClassicLines};
 
@@ -34,7 +51,8 @@ constexpr HelpEntry kCommandEntries[] = {
     {"DEL", &kDel},       {"SCR", &kScr},     {"LEN", &kLen},         {"BYE", &kBye},
     {"CLS", &kCls},       {"HELP", &kHelp},   {"NEW", &kNew},         {"EXIT", &kExit},
     {"QUIT", &kQuit},     {"PRINT", &kPrint}, {"DUMP", &kDump},       {"SYMS", &kSyms},
-    {"LABELS", &kLabels}, {"WIDTH", &kWidth}, {"CLASSIC", &kClassic},
+    {"LABELS", &kLabels}, {"WIDTH", &kWidth}, {"CLASSIC", &kClassic}, {"RANDOMIZE", &kRandomize},
+    {"RANDOM", &kRandom},
 };
 
 constexpr HelpGroup kCommands{kCommandEntries};

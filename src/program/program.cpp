@@ -303,7 +303,7 @@ void Program::ClearStorage() {
   variables.Clear();
   run.data = DataReader{};
   files_.CloseAll();
-  run.frame = RunFrame{};
+  run.StartFrame();
   matrix_ = MatrixWork{};
   common.clear();
   chained.reset();

@@ -57,7 +57,6 @@ ErrorCode LinkPasses(Program& prog) {
   for (Reference* r = prog.References().First(); r; r = r->Next())
     if (ErrorCode code = r->Link(prog)) return FailAt(code, r->owner);
 
-  ReseedRandom();
   prog.SetLinksCurrent();
   return 0;
 }
@@ -93,10 +92,11 @@ ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram,
 
 ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   TestAndClearBreak();
+  SeedRandomFromClock();  // CHAIN links without reseeding: the sequence goes on
   Program* prog = &first;
   std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
   RunState* run = &prog->run;
-  run->frame = RunFrame{};
+  run->StartFrame();
   run->console = &con;
   Statement* s = prog->First();
   if (!s->IsExecutable()) s = s->NextExecutable();
@@ -118,7 +118,7 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
             owned = std::move(incoming);
             prog = owned.get();
             run = &prog->run;
-            run->frame = RunFrame{};
+            run->StartFrame();
             run->console = &con;
             run->current = s;
             fileName = prog->Name().c_str();

@@ -41,6 +41,7 @@ enum Command : unsigned {
   kWidth = 0x10f,
   kTest = 0x110,
   kClassic = 0x111,
+  kRandomize = 0x112,
 };
 
 struct CommandRow {
@@ -49,10 +50,14 @@ struct CommandRow {
 };
 
 constexpr CommandRow kCommands[] = {
-    {"LIST", kList}, {"NEW", kNew},   {"SCR", kNew},     {"RUN", kRun},   {"BYE", kBye},
-    {"EXIT", kBye},  {"QUIT", kBye},  {"PRINT", kPrint}, {"GET", kGet},   {"LEN", kLen},
-    {"DEL", kDel},   {"SAVE", kSave}, {"DUMP", kDump},   {"SYMS", kSyms}, {"LABELS", kLabels},
-    {"HELP", kHelp}, {"CLS", kCls},   {"WIDTH", kWidth}, {"TEST", kTest}, {"CLASSIC", kClassic},
+    {"LIST", kList},        {"NEW", kNew},         {"SCR", kNew},
+    {"RUN", kRun},          {"BYE", kBye},         {"EXIT", kBye},
+    {"QUIT", kBye},         {"PRINT", kPrint},     {"GET", kGet},
+    {"LEN", kLen},          {"DEL", kDel},         {"SAVE", kSave},
+    {"DUMP", kDump},        {"SYMS", kSyms},       {"LABELS", kLabels},
+    {"HELP", kHelp},        {"CLS", kCls},         {"WIDTH", kWidth},
+    {"TEST", kTest},        {"CLASSIC", kClassic}, {"RANDOMIZE", kRandomize},
+    {"RANDOM", kRandomize},
 };
 
 }  // namespace
@@ -93,7 +98,8 @@ class Shell {
   void List();
   void RunProgram();
   void Bye();
-  void ImmediatePrint();
+  // PRINT or RANDOMIZE typed without a number, with the last run's variables.
+  void Immediate(TokenCode keyword);
   void Get(const char* line);
   void Len();
   void Del();
@@ -174,7 +180,10 @@ bool Shell::Dispatch(const char* line) {
       Bye();
       return false;
     case kPrint:
-      ImmediatePrint();
+      Immediate(tok::kPrint);
+      break;
+    case kRandomize:
+      Immediate(tok::kRandomize);
       break;
     case kGet:
       Get(line);
@@ -304,7 +313,7 @@ void Shell::Bye() {
   con_.Flush();
 }
 
-void Shell::ImmediatePrint() {
+void Shell::Immediate(TokenCode keyword) {
   if (!prog_->HasRun()) {
     con_.Write("NO PROGRAM RUN\n");
     return;
@@ -316,7 +325,7 @@ void Shell::ImmediatePrint() {
   prog_->run.console = &con_;
   Reference* lastRef = prog_->References().Last();
   // Through the table, so that PRINT # is the data-file statement, as in a program.
-  StatementPtr stmt = ParseKeywordStatement(*prog_, tok::kPrint);
+  StatementPtr stmt = ParseKeywordStatement(*prog_, keyword);
   if (stmt && prog_->GetToken() != tok::kEndOfLine) {
     stmt.reset();
     SetParseError(err::kTrailingChars);

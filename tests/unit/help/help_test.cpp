@@ -83,7 +83,7 @@ TEST(HelpTree, IndexRowsOfSix) {
             "    GET         SAVE        LIST        RUN         DEL         SCR         \n"
             "    LEN         BYE         CLS         HELP        NEW         EXIT        \n"
             "    QUIT        PRINT       DUMP        SYMS        LABELS      WIDTH       \n"
-            "    CLASSIC     \n");
+            "    CLASSIC     RANDOMIZE   RANDOM      \n");
   // A full last row starts no empty one.
   ASSERT_EQ(HelpFunctions().Entries().size() % 6, 0u);
   std::string index = Index(HelpFunctions());
