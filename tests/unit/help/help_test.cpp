@@ -83,7 +83,9 @@ TEST(HelpTree, IndexRowsOfSix) {
             "    GET         SAVE        LIST        RUN         DEL         SCR         \n"
             "    LEN         BYE         CLS         HELP        NEW         EXIT        \n"
             "    QUIT        PRINT       DUMP        SYMS        LABELS      WIDTH       \n"
-            "    CLASSIC     \n");
+            "    CLASSIC     RENUMBER    RENUM       AUTO        EDIT        APPEND      \n"
+            "    MERGE       CATALOG     CAT         LIBRARY     DELETE      TRACE       \n"
+            "    TRON        TROFF       CONTINUE    CONT        \n");
   // A full last row starts no empty one.
   ASSERT_EQ(HelpFunctions().Entries().size() % 6, 0u);
   std::string index = Index(HelpFunctions());
