@@ -80,6 +80,7 @@ unit: build-tests
 
 e2e: build-tests
 	tests/run_e2e.sh $(BUILD)/basic
+	tests/renumber_programs.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
 	tests/examples.sh $(BUILD)/basic
 

@@ -334,6 +334,7 @@ void Program::ClearStorage() {
   run.data = DataReader{};
   files_.CloseAll();
   run.frame = RunFrame{};
+  run.resume = nullptr;  // a new run or a failed link: nothing stopped goes on
   matrix_ = MatrixWork{};
   common.clear();
   chained.reset();

@@ -83,13 +83,13 @@ RenumberReport RenumberLines(Program& prog, const RenumberRequest& request) {
   for (size_t i = begin; i < end; ++i) {
     auto number = static_cast<uint32_t>(request.start + uint64_t{request.step} * (i - begin));
     if (dangling.count(number)) {
-      std::string naming;
+      std::string naming = "a reference";
       for (const Statement* head : lines)
         for (uint32_t m : Missing(prog, head))
-          if (m == number && naming.empty()) naming = " in line " + std::to_string(head->Number());
+          if (m == number && naming[0] == 'a') naming = "line " + std::to_string(head->Number());
       report.refusal = "line " + std::to_string(lines[i]->Number()) + " would become " +
-                       std::to_string(number) + ", which a reference" + naming +
-                       " names while no line has it.";
+                       std::to_string(number) + ", which " + naming +
+                       " refers to though no line has it.";
       return report;
     }
     moves.emplace_back(lines[i], number);

@@ -117,30 +117,35 @@ ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
     for (;;) {
       Statement* next = s->Execute();
       if (g_err.run == 0) [[likely]] {
-        bool events = BreakPending();
-        if (!events || !TestAndClearBreak()) [[likely]] {
-          if (next) {
-            s = next;
-          } else if (prog->chained) {
-            // CHAIN: the program left keeps no files; a chained one goes away.
-            std::unique_ptr<Program> incoming = std::move(prog->chained);
-            s = prog->chainStart;
-            run->files->CloseAll();
-            owned = std::move(incoming);
-            prog = owned.get();
-            run = &prog->run;
-            run->frame = RunFrame{};
-            run->console = &con;
-            run->current = s;
-            fileName = prog->Name().c_str();
-          }
-          if (events && Tracing()) Trace(con, s);
+        if (!BreakPending() && next) [[likely]] {
+          s = next;
           continue;
         }
-        SetErrorFile(fileName);
-        Raise(err::kBreak, s->Location());
-        resume = next ? next : s;
-        break;
+        // Rare: an event waits (a break, a flush, TRACE), or the statement named no
+        // successor (CHAIN's hand-over, or the statement runs again).
+        if (TestAndClearBreak()) {
+          SetErrorFile(fileName);
+          Raise(err::kBreak, s->Location());
+          resume = next ? next : s;
+          break;
+        }
+        if (next) {
+          s = next;
+        } else if (prog->chained) {
+          // CHAIN: the program left keeps no files; a chained one goes away.
+          std::unique_ptr<Program> incoming = std::move(prog->chained);
+          s = prog->chainStart;
+          run->files->CloseAll();
+          owned = std::move(incoming);
+          prog = owned.get();
+          run = &prog->run;
+          run->frame = RunFrame{};
+          run->console = &con;
+          run->current = s;
+          fileName = prog->Name().c_str();
+        }
+        if (Tracing()) Trace(con, s);
+        continue;
       }
       // A STOP goes on after itself; a statement that a break cut short runs again.
       if (g_err.run == err::kStop && s != prog->EndMark())

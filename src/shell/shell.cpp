@@ -259,7 +259,10 @@ bool Shell::Dispatch(const char* line) {
       Dump();
       break;
     case kSyms:
-      ListVariables(*prog_, con_);
+      if (prog_->GetToken() == tok::kEndOfLine)
+        ListVariables(*prog_, con_);
+      else
+        con_.Write("???\n");
       break;
     case kLabels:
       Labels();
@@ -842,6 +845,11 @@ void Shell::Edit() {
   std::string text = Program::LineText(s);
   // A bad line is edited as it was typed, without the "?" that LIST shows.
   if (s->ParseError()) text.erase(text.find(' ') + 1, 1);
+  // The editor holds what a typed line may hold: a longer line would be cut.
+  if (text.size() > Console::kLineMax) {
+    con_.Printf("Line %s is too long to edit.\n", text.substr(0, text.find(' ')).c_str());
+    return;
+  }
   static char typed[Console::kLineMax + 1];
   int length = con_.EditLine(typed, text);
   if (length == Console::kBreakRead) {

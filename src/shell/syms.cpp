@@ -69,8 +69,11 @@ Line ArrayLine(const Data& d, char kind, size_t limit, Append append) {
 void ListVariables(const Program& prog, Console& con) {
   if (!prog.HasRun()) return;
   // A screenful of text: arrays and strings longer than that show their start.
-  size_t limit = static_cast<size_t>(std::max(1, con.Rows() - 2)) *
-                 static_cast<size_t>(std::max(20, con.Columns()));
+  // Output that is no screen (a pipe, a file) counts as one of 24 lines of 80.
+  bool screen = con.Rows() < 1000 && con.Columns() < 1000;
+  int rows = screen ? con.Rows() : 24, columns = screen ? con.Columns() : 80;
+  size_t limit =
+      static_cast<size_t>(std::max(1, rows - 2)) * static_cast<size_t>(std::max(20, columns));
   const VariableStore& vars = prog.variables;
   std::vector<Line> lines;
   for (const auto& d : vars.NumericSimples()) {
