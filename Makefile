@@ -89,6 +89,7 @@ terminal: build-tests
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
 	tests/terminal/history_tmux.sh $(BUILD)/basic
 	tests/terminal/signals_tmux.sh $(BUILD)/basic
+	tests/terminal/commands_tmux.sh $(BUILD)/basic
 
 # The example programs' pictures, drawn headless, against their references;
 # real windows on an Xvfb server of the test's own.
