@@ -529,7 +529,8 @@ const char* FileName(const char* text, size_t wordLength, std::string* name) {
 
 void Shell::NewProgram(std::unique_ptr<Program> prog) {
   prog_ = std::move(prog);
-  halt_ = Halt::kNone;
+  // A halted run's program is gone: that is a change, not a run never made.
+  halt_ = halt_ == Halt::kStopped || halt_ == Halt::kChanged ? Halt::kChanged : Halt::kNone;
   if (con_.Width() >= 0 && con_.Width() <= 255) con_.SetWidth(72);
 }
 
