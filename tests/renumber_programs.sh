@@ -2,8 +2,8 @@
 # RENUMBER keeps behaviour: every program of tests/programs is loaded into the
 # shell, renumbered with RENUMBER 1000,5 and saved over its copy; run again, it
 # must print its expected output, with the statement numbers of error reports
-# mapped to the new ones (an unnumbered line, reported by its file line before,
-# now has a number). A file that does not load whole is no program to keep.
+# and of TRACE ("[10]") mapped to the new ones (an unnumbered line, reported by
+# its file line before, now has a number). A file that does not load whole is no program to keep.
 # Usage: renumber_programs.sh path/to/basic [name-filter]
 set -u
 basic=$(realpath "$1")
@@ -38,15 +38,19 @@ for bas in "$here"/programs/*.bas; do
   (cd "$work/prog" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   # Old numbers in error reports become the new ones: the n-th line is 1000+5(n-1).
-  awk -v skip=$skip 'NR == FNR { map[$1] = 1000 + 5 * (FNR - 1); at[FNR + skip] = map[$1]; next }
+  # Trace numbers are mapped only in programs that trace.
+  trace=0
+  grep -qiE 'TRACE|TRON' "$bas" && trace=1
+  awk -v skip=$skip -v trace=$trace 'NR == FNR { map[$1] = 1000 + 5 * (FNR - 1); at[FNR + skip] = map[$1]; next }
        /^ERROR .* in file line [0-9]+/ {
          match($0, /in file line [0-9]+/); n = substr($0, RSTART + 13, RLENGTH - 13)
          if (n in at) $0 = substr($0, 1, RSTART - 1) "in statement number " at[n] substr($0, RSTART + RLENGTH)
        }
        { line = $0; out = ""
-         while (match(line, /(statement number|in line) [0-9]+/)) {
-           head = substr(line, RSTART, RLENGTH); n = head; sub(/.* /, "", n)
-           if (n in map) sub(/[0-9]+$/, map[n], head)
+         pattern = trace ? "(statement number|in line) [0-9]+|\\[[0-9]+\\]" : "(statement number|in line) [0-9]+"
+         while (match(line, pattern)) {
+           head = substr(line, RSTART, RLENGTH); n = head; gsub(/[^0-9]/, "", n)
+           if (n in map) sub(/[0-9]+/, map[n], head)
            out = out substr(line, 1, RSTART - 1) head; line = substr(line, RSTART + RLENGTH)
          }
          print out line }' "$work/numbers" "${bas%.bas}.out" >"$work/expected"
