@@ -80,6 +80,7 @@ unit: build-tests
 
 e2e: build-tests
 	tests/run_e2e.sh $(BUILD)/basic
+	tests/renumber_programs.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
 	tests/sandbox.sh $(BUILD)/basic
 	tests/examples.sh $(BUILD)/basic
@@ -89,6 +90,7 @@ terminal: build-tests
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
 	tests/terminal/history_tmux.sh $(BUILD)/basic
 	tests/terminal/signals_tmux.sh $(BUILD)/basic
+	tests/terminal/commands_tmux.sh $(BUILD)/basic
 
 # The example programs' pictures, drawn headless, against their references;
 # real windows on an Xvfb server of the test's own.

@@ -23,6 +23,9 @@ check() {  # name expected actual
 
 # Graphics windows open through the window thread on SDL's invisible driver.
 export SDL_VIDEODRIVER=dummy
+# CATALOG shows dates in local time, and the libraries of CATALOG $ and * are
+# folders of the session fixtures.
+export TZ=UTC BASIC_LIB=library BASIC_GROUP=group
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -52,6 +55,8 @@ for input in "$here"/sessions/*.in; do
   # fixture files of tests/sessions/files are there to load.
   rm -rf "$work/run" && mkdir -p "$work/run"
   [ -d "$here/sessions/files" ] && cp -r "$here/sessions/files/." "$work/run/"
+  # Fixed dates, for the listings that show them.
+  find "$work/run" -exec touch -h -d @981173106 {} +
   # The three banner lines are left out of the expectation.
   (cd "$work/run" && timeout 20 "$basic" <"$input" 2>/dev/null | tail -n +4 >"$work/out")
   check "sessions/$name" "${input%.in}.out" "$work/out"

@@ -289,11 +289,22 @@ constexpr const char* kSpawn[] = {
     KEPT_AS_TEXT("SPAWN"),
     "CHAIN runs another program in this one's place.",
 };
-constexpr HelpLine kStop{"STOP - Stop program"};
+constexpr const char* kStop[] = {
+    "STOP - Stop program",
+    "CONTINUE (CONT) goes on after it, the variables as they were.",
+};
 constexpr const char* kSystem[] = {
     KEPT_AS_TEXT("SYSTEM"),
     "END or STOP ends a program; BYE leaves the shell.",
 };
+constexpr const char* kTrace[] = {
+    "TRACE ON - Show each statement's number, as [n], before it runs.",
+    "TRACE OFF - Stop showing them.",
+    "The numbers go where PRINT writes. The shell's TRACE ON and TRACE OFF",
+    "do the same between runs.",
+};
+constexpr HelpLine kTron{"TRON - Same as TRACE ON."};
+constexpr HelpLine kTroff{"TROFF - Same as TRACE OFF."};
 constexpr HelpLine kUnlock{"UNLOCK #<fileNumber> - Let go of the data file's lock (HELP LOCK)."};
 constexpr const char* kUntil[] = {
     "UNTIL <numericExp> - End of REPEAT/UNTIL clause.",
@@ -327,7 +338,8 @@ constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, k
     kMoveToText{kMoveTo}, kNextText{kNext}, kOffText{kOff}, kOnText{kOn}, kPrintText{kPrint},
     kSeeding{kRandomize}, kRandomText{kRandom}, kReadText{kRead}, kRemText{kRem},
     kRestoreText{kRestore}, kShowText{kShow}, kSleepText{kSleep}, kSelectText{kSelect},
-    kUntilText{kUntil}, kUpdateText{kUpdate}, kWhileText{kWhile}, kWindowText{kWindow};
+    kStopText{kStop}, kTraceText{kTrace}, kUntilText{kUntil}, kUpdateText{kUpdate},
+    kWhileText{kWhile}, kWindowText{kWindow};
 
 constexpr HelpEntry kStatementEntries[] = {
     {"ASSIGN", &kAssignText},   {"ADVANCE", &kAdvanceText}, {"CASE", &kCaseText},
@@ -346,8 +358,9 @@ constexpr HelpEntry kStatementEntries[] = {
     {"RANDOM", &kRandomText},   {"RANDOMIZE", &kSeeding},   {"READ", &kReadText},
     {"REM", &kRemText},         {"REPEAT", &kRepeat},       {"RESTORE", &kRestoreText},
     {"RETURN", &kReturn},       {"SHOW", &kShowText},       {"SLEEP", &kSleepText},
-    {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},     {"STOP", &kStop},
-    {"SYSTEM", &kSystemText},   {"UNLOCK", &kUnlock},       {"UNTIL", &kUntilText},
+    {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},     {"STOP", &kStopText},
+    {"SYSTEM", &kSystemText},   {"TRACE", &kTraceText},     {"TROFF", &kTroff},
+    {"TRON", &kTron},           {"UNLOCK", &kUnlock},       {"UNTIL", &kUntilText},
     {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},     {"WINDOW", &kWindowText},
 };
 

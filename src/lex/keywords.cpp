@@ -62,6 +62,9 @@ constexpr KeywordRow kStatements[] = {
     {"MOVETO", tok::kMoveTo},
     {"LINETO", tok::kLineTo},
     {"COLOR", tok::kColor},
+    {"TRACE", tok::kTrace},
+    {"TRON", tok::kTron},
+    {"TROFF", tok::kTroff},
 };
 
 // Keywords only where a statement starts; RANDOM is the older spelling.

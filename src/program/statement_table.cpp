@@ -71,6 +71,9 @@ constexpr KeywordStmtRow kStatementTable[] = {
     {tok::kLineTo, ParseLineTo, 0},
     {tok::kColor, ParseColor, 0},
     {tok::kRandomize, ParseRandomize, 0},
+    {tok::kTrace, ParseTrace, 0},
+    {tok::kTron, ParseTron, 0},
+    {tok::kTroff, ParseTroff, 0},
 };
 
 // A data-file form: the keyword, and the word after it when there is one,

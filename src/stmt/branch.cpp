@@ -36,6 +36,9 @@ class GoToLineStmt final : public Statement {
     out += "GOTO ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
     successor_ = target_.Landing();
@@ -55,6 +58,9 @@ class GoSubLineStmt final : public Statement {
   void List(std::string& out) const override {
     out += "GOSUB ";
     target_.List(out);
+  }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
   }
   ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
@@ -130,6 +136,10 @@ class JumpListStmt : public Statement {
       out += " ELSE ";
       else_.List(out);
     }
+  }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    for (const TargetRef& target : targets_) out.push_back(target.get());
+    if (else_) out.push_back(else_.get());
   }
   ErrorCode Resolve(StmtContext&) override {
     for (size_t i = 0; i < targets_.size(); ++i) {

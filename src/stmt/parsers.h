@@ -47,6 +47,9 @@ StatementPtr ParseLinput(StmtContext& p);     // linput.cpp
 StatementPtr ParseConvert(StmtContext& p);    // convert.cpp
 StatementPtr ParseEnter(StmtContext& p);      // enter.cpp
 StatementPtr ParseRandomize(StmtContext& p);  // randomize.cpp: RANDOMIZE or RANDOM
+StatementPtr ParseTrace(StmtContext& p);      // trace.cpp: TRACE ON, TRACE OFF
+StatementPtr ParseTron(StmtContext& p);
+StatementPtr ParseTroff(StmtContext& p);
 
 // graphics.cpp: the eight statements written with "@" and a GDI number.
 StatementPtr ParseWindow(StmtContext& p);

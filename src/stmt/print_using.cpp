@@ -43,6 +43,7 @@ class UsingPart {
   virtual size_t Size() const = 0;
   virtual void List(std::string& out) const = 0;
   virtual ErrorCode Resolve(StmtContext&) { return 0; }
+  virtual void Targets(std::vector<const TargetLabel*>&) const {}
   // The format for this execution.
   virtual const ImageFormat& Format() = 0;
 };
@@ -53,6 +54,9 @@ class UsingImagePart final : public UsingPart {
   explicit UsingImagePart(TargetRef target) : target_(std::move(target)) {}
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { target_.List(out); }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     image_ = nullptr;
     const Statement* s = target_.Named();
@@ -112,6 +116,7 @@ class PrintConsoleUsingStmt final : public Statement {
     values_.List(out);
   }
   ErrorCode Resolve(StmtContext& prog) override { return part_->Resolve(prog); }
+  void Targets(std::vector<const TargetLabel*>& out) const override { part_->Targets(out); }
 
   // The line is written up to where a format error stopped it; a value that
   // failed (and printed as 0) does not stop it and keeps its own error.

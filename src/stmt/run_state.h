@@ -60,7 +60,10 @@ struct RunState {
   RunFrame frame;                 // GOSUB returns
   std::vector<ActiveLoop> loops;  // classic FOR loops, the most recent last
   Statement* current = nullptr;   // set when a run starts; kept after it ends
-  Console* console = nullptr;     // PRINT and INPUT go here; bound by each run
+  // Where CONTINUE goes on after a STOP or a break of a shell run; null when the
+  // last run ended otherwise. The stopped run keeps its data files open.
+  Statement* resume = nullptr;
+  Console* console = nullptr;  // PRINT and INPUT go here; bound by each run
   // The program's data files and the work area of MAT products, transposes and
   // inverses: the program owns them, and only files/ and matrix/ look inside.
   FileUnits* files = nullptr;
