@@ -7,6 +7,7 @@
 #include "expr/random.h"
 #include "gdi/gdi.h"
 #include "platform/break_flag.h"
+#include "platform/host_notice.h"
 #include "program/program.h"
 
 namespace {
@@ -93,6 +94,7 @@ ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram,
 
 ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   TestAndClearBreak();
+  NoteRunning(true);
   Program* prog = &first;
   std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
   RunState* run = &prog->run;
@@ -156,6 +158,7 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   }
   // The error's file name is a copy; the chained program may go now.
   owned.reset();
+  NoteRunning(false);
   return code;
 }
 
