@@ -50,7 +50,9 @@
   const pendingKeys = [];
 
   const page = { files: new Map(), examples: [], db: null };
-  window.velo = { readyAt: 0, state: () => state };  // read by the browser test
+  let writing = 0;  // output the terminal has not yet taken
+  // Read by the browser test: lines read so far, and whether the screen shows all output.
+  window.velo = { readyAt: 0, reads: 0, state: () => state, settled: () => !writing, term };
 
   function wake() {
     Atomics.add(words, Slot.wake, 1);
@@ -135,7 +137,9 @@
         sendKeys();
         break;
       case 'out':
+        ++writing;
         term.write(m.bytes, () => {
+          --writing;
           if (!words) return;
           Atomics.add(words, Slot.outShown, m.bytes.length);
           wake();
@@ -152,8 +156,11 @@
         if (m.what === 'running') running = m.on;
         if (m.what === 'reading') {
           reading = m.on;
-          if (m.on) typedSinceRead = pendingKeys.length;
-          if (m.on && !window.velo.readyAt) window.velo.readyAt = performance.now();
+          if (m.on) {
+            typedSinceRead = pendingKeys.length;
+            ++window.velo.reads;
+            if (!window.velo.readyAt) window.velo.readyAt = performance.now();
+          }
         }
         updateState();
         break;

@@ -75,6 +75,7 @@ void TakeInbox() {
     file = nullptr;
     if (!ok) std::remove((name + ".part").c_str());
     HostReceived(name.c_str(), ok);
+    HostSyncFiles();  // the page lists it, and keeps it
   } else if ((flags & kInboxFirst) && !file) {
     HostReceived(name.c_str(), 0);
   }

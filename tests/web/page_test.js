@@ -1,0 +1,224 @@
+// The web page's end-to-end test in headless Chromium: the page loads to READY,
+// a typed program is listed and run with an INPUT answered, keys of the line
+// editor and Ctrl+C work, colours reach the terminal, an example loaded with a
+// click draws the same picture as on the desktop, and a SAVEd program survives a
+// reload. Usage: node tests/web/page_test.js [DIST_FOLDER]
+'use strict';
+const assert = require('assert');
+const { spawn } = require('child_process');
+const fs = require('fs');
+const os = require('os');
+const path = require('path');
+
+const root = path.resolve(__dirname, '..', '..');
+const dist = path.resolve(process.argv[2] || path.join(root, 'web', 'dist'));
+const { chromium } = require(path.join(root, 'web', 'node_modules', 'playwright-core'));
+
+const kChromium = process.env.CHROMIUM || '/usr/bin/chromium';
+const kLoadLimitMs = 1000;
+
+let passed = 0, failed = 0;
+async function check(name, body) {
+  try {
+    await body();
+    ++passed;
+    console.log(`ok - ${name}`);
+  } catch (e) {
+    ++failed;
+    console.log(`FAIL - ${name}\n${String(e.stack || e).replace(/^/gm, '    ')}`);
+  }
+}
+
+// The page's server, on a port of its own; ended by its process id.
+function serve() {
+  return new Promise((resolve, reject) => {
+    const server = spawn('python3', [path.join(root, 'web', 'serve.py'), '0', dist],
+                         { stdio: ['ignore', 'pipe', 'ignore'] });
+    server.stdout.on('data', (data) => {
+      const found = /127\.0\.0\.1:(\d+)/.exec(String(data));
+      if (found) resolve({ server, url: `http://127.0.0.1:${found[1]}/` });
+    });
+    server.on('exit', (code) => reject(new Error(`the server ended (${code})`)));
+  });
+}
+
+// Every line the terminal holds, scrollback included, without trailing blanks.
+const screen = (page) => page.evaluate(() => {
+  const buffer = window.velo.term.buffer.active;
+  const lines = [];
+  for (let y = 0; y < buffer.length; ++y) lines.push(buffer.getLine(y).translateToString(true));
+  return lines.join('\n').replace(/\n+$/, '');
+});
+
+async function waitForState(page, state, timeout = 10000) {
+  await page.waitForFunction((s) => window.velo && window.velo.state() === s, state, { timeout });
+}
+
+// Types a line and waits for the next line read, all its output on the screen;
+// returns what the screen gained. wanted is the state that read leaves: ready for
+// the shell's prompt, input for a program's.
+async function type(page, line, wanted = 'ready') {
+  const reads = await page.evaluate(() => window.velo.reads);
+  const before = (await screen(page)).length;
+  await page.keyboard.type(line);
+  await page.keyboard.press('Enter');
+  await page.waitForFunction(([r, s]) => window.velo.reads > r && window.velo.state() === s &&
+                                         window.velo.settled(), [reads, wanted], { timeout: 10000 });
+  return (await screen(page)).slice(before);
+}
+
+function readPpm(file) {
+  const data = fs.readFileSync(file);
+  const header = /^P6\s+(\d+)\s+(\d+)\s+255\s/.exec(data.toString('latin1', 0, 32));
+  return { width: +header[1], height: +header[2], rgb: data.subarray(header[0].length) };
+}
+
+async function canvasRgb(page) {
+  const pixels = await page.evaluate(() => {
+    const canvas = document.querySelector('.window canvas');
+    const data = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+    const rgb = [];
+    for (let i = 0; i < data.length; i += 4) rgb.push(data[i], data[i + 1], data[i + 2]);
+    return { width: canvas.width, height: canvas.height, rgb };
+  });
+  return { ...pixels, rgb: Buffer.from(pixels.rgb) };
+}
+
+async function main() {
+  const { server, url } = await serve();
+  const profile = fs.mkdtempSync(path.join(os.tmpdir(), 'basic-web-'));
+  const context = await chromium.launchPersistentContext(profile, {
+    executablePath: kChromium,
+    headless: true,
+    viewport: { width: 1200, height: 800 },
+    args: ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
+           '--disable-background-networking', '--disable-component-update', '--disable-sync'],
+  });
+  const page = context.pages()[0] || await context.newPage();
+  const errors = [];
+  page.on('pageerror', (e) => errors.push(e.message));
+  try {
+    await check('the page loads to READY within a second', async () => {
+      await page.goto(url);
+      await waitForState(page, 'ready');
+      await page.waitForFunction(() => window.velo.settled());
+      assert.match(await screen(page), /Velo Basic V0\.94\.0\.154(.|\n)*\nREADY$/);
+      const readyAt = await page.evaluate(() => window.velo.readyAt);
+      console.log(`    load to READY: ${Math.round(readyAt)} ms`);
+      assert.ok(readyAt < kLoadLimitMs, `READY after ${readyAt} ms`);
+    });
+
+    await check('a typed program lists as entered', async () => {
+      for (const line of ['10 PRINT "HELLO"', '20 INPUT "NAME",N$', '30 PRINT "HI ";N$;LEN(N$)',
+                          '40 END'])
+        await type(page, line);
+      assert.strictEqual(await type(page, 'LIST'), '\nLIST\n\n   10   PRINT "HELLO"\n' +
+                         '   20   INPUT "NAME",N$\n   30   PRINT "HI ";N$;LEN(N$)\n   40   END');
+    });
+
+    await check('F3 copies the last line; Up brings back the one before, Escape drops it', async () => {
+      const reads = await page.evaluate(() => window.velo.reads);
+      await page.keyboard.press('F3');
+      await page.keyboard.press('Enter');
+      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      assert.match(await screen(page), /LIST\n\n   10   PRINT "HELLO"(.|\n)*LIST\n\n   10   PRINT "HELLO"/);
+      await page.keyboard.press('ArrowUp');
+      await page.keyboard.press('Escape');
+      await type(page, 'WIDTH');
+      assert.match(await screen(page), /\nLIST@\nWIDTH\nWidth is 72$/);
+    });
+
+    await check('RUN asks for INPUT and prints the answer', async () => {
+      const before = (await screen(page)).length;
+      assert.strictEqual(await type(page, 'RUN', 'input'), '\nRUN\nHELLO\nNAME');
+      await type(page, 'ADA');
+      assert.match((await screen(page)).slice(before), /NAMEADA\nHI ADA 3\s*\n\nDONE$/);
+    });
+
+    await check('colours reach the terminal', async () => {
+      await type(page, 'PRINT CHR$(27);"[31;1mRED";CHR$(27);"[0;37m"');
+      const colour = await page.evaluate(() => {
+        const buffer = window.velo.term.buffer.active;
+        for (let y = buffer.length - 1; y >= 0; --y) {
+          const line = buffer.getLine(y);
+          const x = line.translateToString().indexOf('RED');
+          if (x >= 0) return [line.getCell(x).getFgColor(), line.getCell(x).isFgPalette()];
+        }
+        return [];
+      });
+      assert.deepStrictEqual(colour, [9, true]);  // bright red
+    });
+
+    await check('Ctrl+C breaks a running program', async () => {
+      await type(page, 'NEW');
+      await type(page, '10 GOTO 10');
+      await page.keyboard.type('RUN');
+      await page.keyboard.press('Enter');
+      await waitForState(page, 'running');
+      const reads = await page.evaluate(() => window.velo.reads);
+      await page.keyboard.press('Control+C');
+      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      assert.match(await screen(page), /\nRUN\n\nBREAK in line 10\n*$/);
+    });
+
+    await check('an example loaded with a click draws its picture in a canvas', async () => {
+      const reads = await page.evaluate(() => window.velo.reads);
+      await page.click('#examples button.load:text("rose.bas")');
+      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      assert.match(await screen(page), /\nGET \/examples\/rose\.bas\n*$/);
+      assert.match(await type(page, 'RUN', 'input'), /Press Enter to close the window$/);
+      assert.strictEqual(await page.textContent('.window .title'), 'Velo Basic Test Window\u00d7');
+      const shown = await canvasRgb(page);
+      const expected = readPpm(path.join(root, 'examples', 'rose.ppm'));
+      assert.deepStrictEqual([shown.width, shown.height], [expected.width, expected.height]);
+      assert.ok(shown.rgb.equals(expected.rgb), 'the canvas differs from examples/rose.ppm');
+      assert.match(await type(page, ''), /\n\nDONE$/);
+    });
+
+    await check('the width follows the terminal widget', async () => {
+      await page.setViewportSize({ width: 700, height: 600 });
+      await page.waitForFunction(() => window.velo.term.cols < 60);
+      const cols = await page.evaluate(() => window.velo.term.cols);
+      const text = await type(page, `PRINT "${'X'.repeat(60)}"`);
+      assert.ok(text.includes('\n' + 'X'.repeat(cols) + '\n' + 'X'.repeat(60 - cols)), text);
+      await page.setViewportSize({ width: 1200, height: 800 });
+    });
+
+    await check('a SAVEd program is kept across a reload and comes back with GET', async () => {
+      await type(page, 'NEW');
+      await type(page, '10 PRINT "KEPT"');
+      await type(page, 'SAVE KEPT.BAS');
+      await page.waitForSelector('#saved button.load:text("KEPT.BAS")');
+      await page.reload();
+      await waitForState(page, 'ready');
+      await page.waitForSelector('#saved button.load:text("KEPT.BAS")');
+      await type(page, 'GET KEPT.BAS');
+      assert.match(await type(page, 'RUN'), /\nKEPT\n\nDONE$/);
+    });
+
+    await check('an uploaded file can be loaded and run', async () => {
+      await page.setInputFiles('#upload', { name: 'up.bas', mimeType: 'text/plain',
+                                            buffer: Buffer.from('10 PRINT "UPLOADED";2+2\n') });
+      await page.waitForSelector('#saved button.load:text("up.bas")');
+      const reads = await page.evaluate(() => window.velo.reads);
+      await page.click('#saved button.load:text("up.bas")');
+      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      assert.match(await type(page, 'RUN'), /\nUPLOADED 4\s*\n\nDONE$/);
+    });
+
+    await check('the page raised no script error', async () => {
+      assert.deepStrictEqual(errors, []);
+    });
+  } finally {
+    await context.close();
+    server.kill();
+    fs.rmSync(profile, { recursive: true, force: true });
+  }
+  console.log(`web: ${passed} passed, ${failed} failed`);
+  process.exit(failed ? 1 : 0);
+}
+
+main().catch((e) => {
+  console.error(e);
+  process.exit(1);
+});
