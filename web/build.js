@@ -1,6 +1,6 @@
 // Puts the page together in web/dist: its own files, the terminal widget from
 // node_modules, the interpreter's module from the web build, and the examples.
-// Usage: node web/build.js BUILD_FOLDER
+// Usage: node web/build.js [BUILD_FOLDER [DIST_FOLDER]]
 'use strict';
 const fs = require('fs');
 const path = require('path');
@@ -8,7 +8,7 @@ const path = require('path');
 const web = __dirname;
 const root = path.dirname(web);
 const build = path.resolve(process.argv[2] || path.join(root, 'build-web'));
-const dist = path.join(web, 'dist');
+const dist = path.resolve(process.argv[3] || path.join(web, 'dist'));
 
 fs.rmSync(dist, { recursive: true, force: true });
 fs.mkdirSync(dist, { recursive: true });
@@ -32,5 +32,5 @@ const examples = fs.readdirSync(path.join(root, 'examples'))
     return { name, title, text };
   });
 fs.writeFileSync(path.join(dist, 'examples.json'), JSON.stringify(examples));
-console.log(`web/dist: the page, ${examples.length} examples, basic.wasm ` +
+console.log(`${path.relative(process.cwd(), dist)}: the page, ${examples.length} examples, basic.wasm ` +
             `${Math.round(fs.statSync(path.join(dist, 'basic.wasm')).size / 1024)} KiB`);

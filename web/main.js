@@ -51,8 +51,16 @@
 
   const page = { files: new Map(), examples: [], db: null };
   let writing = 0;  // output the terminal has not yet taken
-  // Read by the browser test: lines read so far, and whether the screen shows all output.
-  window.velo = { readyAt: 0, reads: 0, state: () => state, settled: () => !writing, term };
+  // Read by the browser test and the benchmarks: lines read so far, whether the screen
+  // shows all output, and when each run started, ended and had its output shown.
+  window.velo = { readyAt: 0, reads: 0, runs: [], state: () => state, settled: () => !writing, term };
+
+  const lastRun = () => window.velo.runs[window.velo.runs.length - 1];
+  // The run that ended has all its output on the screen.
+  function noteShown() {
+    const run = lastRun();
+    if (run && run.end && !run.shown && !writing) run.shown = performance.now();
+  }
 
   function wake() {
     Atomics.add(words, Slot.wake, 1);
@@ -140,6 +148,7 @@
         ++writing;
         term.write(m.bytes, () => {
           --writing;
+          noteShown();
           if (!words) return;
           Atomics.add(words, Slot.outShown, m.bytes.length);
           wake();
@@ -153,7 +162,12 @@
         }, m.ms);
         break;
       case 'state':
-        if (m.what === 'running') running = m.on;
+        if (m.what === 'running') {
+          running = m.on;
+          if (m.on) window.velo.runs.push({ start: performance.now() });
+          else lastRun().end = performance.now();
+          noteShown();
+        }
         if (m.what === 'reading') {
           reading = m.on;
           if (m.on) {
@@ -229,9 +243,11 @@
     const panel = document.createElement('div');
     panel.className = 'window';
     panel.title = `@${n}`;
-    const offset = 40 + 28 * (windows.size % 8);
-    panel.style.left = `${Math.max(0, innerWidth - width - 300) / 2 + offset}px`;
-    panel.style.top = `${offset + 40}px`;
+    // Beside the side panel, where the terminal's lines are shortest; later ones cascade.
+    const offset = 28 * (windows.size % 8);
+    const right = document.querySelector('aside').getBoundingClientRect().left;
+    panel.style.left = `${Math.max(0, right - Math.min(width, 16384) - 24 - offset)}px`;
+    panel.style.top = `${56 + offset}px`;
     const title = document.createElement('div');
     title.className = 'title';
     title.textContent = kTitle;

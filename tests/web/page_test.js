@@ -5,16 +5,12 @@
 // reload. Usage: node tests/web/page_test.js [DIST_FOLDER]
 'use strict';
 const assert = require('assert');
-const { spawn } = require('child_process');
 const fs = require('fs');
-const os = require('os');
 const path = require('path');
+const { root, open, screen, waitForState, untilRead, type } = require('./browser');
 
-const root = path.resolve(__dirname, '..', '..');
 const dist = path.resolve(process.argv[2] || path.join(root, 'web', 'dist'));
-const { chromium } = require(path.join(root, 'web', 'node_modules', 'playwright-core'));
 
-const kChromium = process.env.CHROMIUM || '/usr/bin/chromium';
 const kLoadLimitMs = 1000;
 
 let passed = 0, failed = 0;
@@ -27,44 +23,6 @@ async function check(name, body) {
     ++failed;
     console.log(`FAIL - ${name}\n${String(e.stack || e).replace(/^/gm, '    ')}`);
   }
-}
-
-// The page's server, on a port of its own; ended by its process id.
-function serve() {
-  return new Promise((resolve, reject) => {
-    const server = spawn('python3', [path.join(root, 'web', 'serve.py'), '0', dist],
-                         { stdio: ['ignore', 'pipe', 'ignore'] });
-    server.stdout.on('data', (data) => {
-      const found = /127\.0\.0\.1:(\d+)/.exec(String(data));
-      if (found) resolve({ server, url: `http://127.0.0.1:${found[1]}/` });
-    });
-    server.on('exit', (code) => reject(new Error(`the server ended (${code})`)));
-  });
-}
-
-// Every line the terminal holds, scrollback included, without trailing blanks.
-const screen = (page) => page.evaluate(() => {
-  const buffer = window.velo.term.buffer.active;
-  const lines = [];
-  for (let y = 0; y < buffer.length; ++y) lines.push(buffer.getLine(y).translateToString(true));
-  return lines.join('\n').replace(/\n+$/, '');
-});
-
-async function waitForState(page, state, timeout = 10000) {
-  await page.waitForFunction((s) => window.velo && window.velo.state() === s, state, { timeout });
-}
-
-// Types a line and waits for the next line read, all its output on the screen;
-// returns what the screen gained. wanted is the state that read leaves: ready for
-// the shell's prompt, input for a program's.
-async function type(page, line, wanted = 'ready') {
-  const reads = await page.evaluate(() => window.velo.reads);
-  const before = (await screen(page)).length;
-  await page.keyboard.type(line);
-  await page.keyboard.press('Enter');
-  await page.waitForFunction(([r, s]) => window.velo.reads > r && window.velo.state() === s &&
-                                         window.velo.settled(), [reads, wanted], { timeout: 10000 });
-  return (await screen(page)).slice(before);
 }
 
 function readPpm(file) {
@@ -85,16 +43,7 @@ async function canvasRgb(page) {
 }
 
 async function main() {
-  const { server, url } = await serve();
-  const profile = fs.mkdtempSync(path.join(os.tmpdir(), 'basic-web-'));
-  const context = await chromium.launchPersistentContext(profile, {
-    executablePath: kChromium,
-    headless: true,
-    viewport: { width: 1200, height: 800 },
-    args: ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
-           '--disable-background-networking', '--disable-component-update', '--disable-sync'],
-  });
-  const page = context.pages()[0] || await context.newPage();
+  const { page, url, close } = await open(dist);
   const errors = [];
   page.on('pageerror', (e) => errors.push(e.message));
   try {
@@ -117,10 +66,10 @@ async function main() {
     });
 
     await check('F3 copies the last line; Up brings back the one before, Escape drops it', async () => {
-      const reads = await page.evaluate(() => window.velo.reads);
-      await page.keyboard.press('F3');
-      await page.keyboard.press('Enter');
-      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      await untilRead(page, async () => {
+        await page.keyboard.press('F3');
+        await page.keyboard.press('Enter');
+      });
       assert.match(await screen(page), /LIST\n\n   10   PRINT "HELLO"(.|\n)*LIST\n\n   10   PRINT "HELLO"/);
       await page.keyboard.press('ArrowUp');
       await page.keyboard.press('Escape');
@@ -155,16 +104,12 @@ async function main() {
       await page.keyboard.type('RUN');
       await page.keyboard.press('Enter');
       await waitForState(page, 'running');
-      const reads = await page.evaluate(() => window.velo.reads);
-      await page.keyboard.press('Control+C');
-      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      await untilRead(page, () => page.keyboard.press('Control+C'));
       assert.match(await screen(page), /\nRUN\n\nBREAK in line 10\n*$/);
     });
 
     await check('an example loaded with a click draws its picture in a canvas', async () => {
-      const reads = await page.evaluate(() => window.velo.reads);
-      await page.click('#examples button.load:text("rose.bas")');
-      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      await untilRead(page, () => page.click('#examples button.load:text("rose.bas")'));
       assert.match(await screen(page), /\nGET \/examples\/rose\.bas\n*$/);
       assert.match(await type(page, 'RUN', 'input'), /Press Enter to close the window$/);
       assert.strictEqual(await page.textContent('.window .title'), 'Velo Basic Test Window\u00d7');
@@ -200,9 +145,7 @@ async function main() {
       await page.setInputFiles('#upload', { name: 'up.bas', mimeType: 'text/plain',
                                             buffer: Buffer.from('10 PRINT "UPLOADED";2+2\n') });
       await page.waitForSelector('#saved button.load:text("up.bas")');
-      const reads = await page.evaluate(() => window.velo.reads);
-      await page.click('#saved button.load:text("up.bas")');
-      await page.waitForFunction((r) => window.velo.reads > r && window.velo.settled(), reads);
+      await untilRead(page, () => page.click('#saved button.load:text("up.bas")'));
       assert.match(await type(page, 'RUN'), /\nUPLOADED 4\s*\n\nDONE$/);
     });
 
@@ -210,9 +153,7 @@ async function main() {
       assert.deepStrictEqual(errors, []);
     });
   } finally {
-    await context.close();
-    server.kill();
-    fs.rmSync(profile, { recursive: true, force: true });
+    await close();
   }
   console.log(`web: ${passed} passed, ${failed} failed`);
   process.exit(failed ? 1 : 0);
