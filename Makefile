@@ -218,11 +218,15 @@ web-stage:
 	else echo "SKIP web-test: Chromium is not installed and cannot be installed here" \
 	  "(sudo apt-get install chromium, then make web-test)"; fi
 
-# The benchmark programs in the page against the native build; the table goes to
-# bench/WEB_RESULTS.md.
+# The benchmark programs in the page against the native build, and two of them with the
+# interpreter built to wait through Asyncify instead; the tables go to bench/WEB_RESULTS.md.
 web-bench: web build
 	$(call install_pkgs,$(WEB_TEST_PKGS),$(WEB_TEST_PKGS))
-	node bench/web_bench.js web/dist $(BUILD)/basic
+	emcmake cmake -S . -B $(WEB_BUILD)-asyncify -DCMAKE_BUILD_TYPE=Release -DBASIC_TESTS=OFF \
+	  -DBASIC_WEB_ASYNCIFY=ON >/dev/null
+	cmake --build $(WEB_BUILD)-asyncify -j$(JOBS) --target basic
+	node web/build.js $(WEB_BUILD)-asyncify $(WEB_BUILD)-asyncify/dist
+	ASYNCIFY_DIST=$(WEB_BUILD)-asyncify/dist node bench/web_bench.js web/dist $(BUILD)/basic
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(WEB_BUILD) build-bench web/dist
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(WEB_BUILD) $(WEB_BUILD)-asyncify build-bench web/dist

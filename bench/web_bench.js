@@ -4,6 +4,8 @@
 // The native build runs the same file with its output to a pipe. Wall-clock
 // time, the fastest of RUNS (5) runs; the table goes to bench/WEB_RESULTS.md (OUT=
 // another file).
+// With ASYNCIFY_DIST, a page whose interpreter waits through Asyncify instead
+// (cmake -DBASIC_WEB_ASYNCIFY=ON) runs the programs of ASYNCIFY_PROGRAMS too.
 // Usage: node bench/web_bench.js DIST_FOLDER NATIVE_BASIC [NAME_FILTER]
 'use strict';
 const { spawnSync } = require('child_process');
@@ -57,27 +59,37 @@ async function webSeconds(page, name) {
   return { first: shown[0], ran: fastest(ran), shown: fastest(shown) };
 }
 
-(async () => {
-  const programs = fs.readdirSync(path.join(root, 'bench', 'programs'))
-    .filter((name) => name.endsWith('.bas') && !skipped.has(name) && name.includes(filter)).sort();
-  const { page, url, close } = await open(dist);
-  const rows = [];
+// Each program of names in the page of folder: its seconds by name.
+async function inPage(folder, names) {
+  const { page, url, close } = await open(folder);
+  const seconds = {};
   try {
     await page.goto(url);
     await waitForState(page, 'ready');
-    await page.setInputFiles('#upload', programs.map((name) => path.join(root, 'bench', 'programs', name)));
-    for (const name of programs) await page.waitForSelector(`#saved button.load:text("${name}")`);
-    for (const name of programs) {
-      const file = path.join(root, 'bench', 'programs', name);
-      const web = await webSeconds(page, name);
-      const here = nativeSeconds(file);
-      rows.push({ name: name.replace(/\.bas$/, ''), here, ...web });
-      console.log(`${name.padEnd(20)} native ${here.toFixed(3)} s   web ${web.ran.toFixed(3)} s, ` +
-                  `shown ${web.shown.toFixed(3)} s, first ${web.first.toFixed(3)} s   ` +
-                  `${(web.shown / here).toFixed(2)}x`);
-    }
+    await page.setInputFiles('#upload', names.map((name) => path.join(root, 'bench', 'programs', name)));
+    for (const name of names) await page.waitForSelector(`#saved button.load:text("${name}")`);
+    for (const name of names) seconds[name] = await webSeconds(page, name);
   } finally {
     await close();
+  }
+  return seconds;
+}
+
+(async () => {
+  const programs = fs.readdirSync(path.join(root, 'bench', 'programs'))
+    .filter((name) => name.endsWith('.bas') && !skipped.has(name) && name.includes(filter)).sort();
+  const rows = [];
+  const web = await inPage(dist, programs);
+  {
+    for (const name of programs) {
+      const file = path.join(root, 'bench', 'programs', name);
+      const here = nativeSeconds(file);
+      const w = web[name];
+      rows.push({ name: name.replace(/\.bas$/, ''), here, ...w });
+      console.log(`${name.padEnd(20)} native ${here.toFixed(3)} s   web ${w.ran.toFixed(3)} s, ` +
+                  `shown ${w.shown.toFixed(3)} s, first ${w.first.toFixed(3)} s   ` +
+                  `${(w.shown / here).toFixed(2)}x`);
+    }
   }
   const geomean = (key) =>
     Math.exp(rows.reduce((sum, r) => sum + Math.log(r[key] / r.here), 0) / rows.length).toFixed(2);
@@ -99,6 +111,20 @@ async function webSeconds(page, name) {
     `| geometric mean |||| ${geomean('ran')} | ${geomean('shown')} |`,
     '',
   ];
+  if (process.env.ASYNCIFY_DIST) {
+    const names = (process.env.ASYNCIFY_PROGRAMS || 'float_loop,gosub').split(',').map((n) => `${n}.bas`);
+    const waits = await inPage(path.resolve(process.env.ASYNCIFY_DIST), names);
+    lines.push('The same page with an interpreter that waits through Asyncify instead of Atomics.wait',
+               '(web run, seconds):', '', '| program | Atomics.wait | Asyncify | Asyncify/Atomics.wait |',
+               '|---|---:|---:|---:|');
+    for (const name of names) {
+      const a = web[name] ? web[name].ran : (await inPage(dist, [name]))[name].ran;
+      const b = waits[name].ran;
+      lines.push(`| ${name.replace(/\.bas$/, '')} | ${a.toFixed(3)} | ${b.toFixed(3)} | ${(b / a).toFixed(2)} |`);
+      console.log(`${name.padEnd(20)} Atomics.wait ${a.toFixed(3)} s   Asyncify ${b.toFixed(3)} s`);
+    }
+    lines.push('');
+  }
   fs.writeFileSync(out, lines.join('\n'));
   console.log(`geometric mean ${geomean('shown')}x; the table is in ${path.relative(process.cwd(), out)}`);
 })().catch((e) => {

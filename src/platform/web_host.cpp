@@ -41,9 +41,13 @@ namespace web {
 Shared& TheShared() { return g_shared; }
 
 void WaitForPage(int32_t seen, int64_t ms) {
+#ifdef BASIC_WEB_ASYNCIFY
+  if (g_shared.wake.load() == seen) emscripten_sleep(ms < 0 || ms > 50 ? 50 : ms);
+#else
   int64_t ns = ms < 0 ? -1 : ms * 1000000;
   // std::atomic<int32_t> holds just the integer, which the page reaches with Atomics.
   __builtin_wasm_memory_atomic_wait32(reinterpret_cast<int32_t*>(&g_shared.wake), seen, ns);
+#endif
 }
 
 void PostOutput(const char* bytes, size_t n) { HostOutput(bytes, n); }
