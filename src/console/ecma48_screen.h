@@ -1,13 +1,13 @@
 // The screen model's effects as ECMA-48 text, for a terminal or a terminal widget:
 // the model decides every position, the screen only shows it. Out, the back end
-// that derives from this, supplies Sync() (called before each effect), Drain()
-// (sends the n_ bytes of buf_ and empties it) and Changed(bool) (told whether
-// colours or the cursor now differ from the start).
+// that derives from this, supplies Sync() (called before each effect), Pending()
+// (told that the buffer holds bytes again), Drain() (sends the n_ bytes of buf_ and
+// empties it) and Changed(bool) (told whether colours or the cursor now differ from
+// the start).
 #pragma once
 #include <cstdio>
 
 #include "console/console_backend.h"
-#include "platform/signals.h"
 
 template <class Out>
 class Ecma48Screen : public ConsoleBackend {
@@ -125,7 +125,7 @@ class Ecma48Screen : public ConsoleBackend {
   }
 
   void Put(char c) {
-    if (n_ == 0) NoteOutputPending();
+    if (n_ == 0) Self().Pending();
     if (n_ == sizeof buf_) Self().Drain();
     buf_[n_++] = c;
   }

@@ -127,6 +127,7 @@ class TerminalBackend final : public Ecma48Screen<TerminalBackend> {
   }
 
   void Changed(bool changed) { SetTerminalOutputChanged(changed); }
+  void Pending() { NoteOutputPending(); }
 
   void Drain() {
     const char* p = buf_;

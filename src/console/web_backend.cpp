@@ -4,6 +4,7 @@
 
 #include "console/ecma48_screen.h"
 #include "console/key_source.h"
+#include "platform/signals.h"
 #include "platform/web_host.h"
 
 namespace {
@@ -43,6 +44,7 @@ class WebBackend final : public Ecma48Screen<WebBackend> {
 
   void Sync() {}
   void Changed(bool) {}  // the page's terminal goes when the page goes
+  void Pending() { NoteOutputPending(); }
 
   void Drain() {
     if (n_ == 0) return;

@@ -20,6 +20,7 @@ class StringScreen final : public Ecma48Screen<StringScreen> {
  private:
   friend class Ecma48Screen<StringScreen>;
   void Sync() {}
+  void Pending() {}
   void Changed(bool changed) { *changed_ = changed; }
   void Drain() {
     out_->append(buf_, n_);
