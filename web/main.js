@@ -387,6 +387,7 @@
     link.download = f.path.split('/').pop();
     link.click();
     setTimeout(() => URL.revokeObjectURL(link.href), 1000);
+    term.focus();
   }
 
   function listItem(label, title, onLoad, onDownload) {
@@ -480,6 +481,7 @@
       uploads.push({ name, data: new Uint8Array(await file.arrayBuffer()) });
     }
     event.target.value = '';
+    term.focus();
     sendUploads();
   });
 

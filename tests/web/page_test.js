@@ -1,8 +1,9 @@
 // The web page's end-to-end test in headless Chromium: the page loads to READY,
 // a typed program is listed and run with an INPUT answered, keys of the line
 // editor and Ctrl+C work, colours reach the terminal, an example loaded with a
-// click draws the same picture as on the desktop, and a SAVEd program survives a
-// reload. Usage: node tests/web/page_test.js [DIST_FOLDER]
+// click draws the same picture as on the desktop, a SAVEd program survives a
+// reload and downloads, an uploaded one runs, and SLEEP and ENTER's time limit wait
+// without holding up the page. Usage: node tests/web/page_test.js [DIST_FOLDER]
 'use strict';
 const assert = require('assert');
 const fs = require('fs');
@@ -147,6 +148,28 @@ async function main() {
       await page.waitForSelector('#saved button.load:text("up.bas")');
       await untilRead(page, () => page.click('#saved button.load:text("up.bas")'));
       assert.match(await type(page, 'RUN'), /\nUPLOADED 4\s*\n\nDONE$/);
+    });
+
+    await check('a saved file downloads as it was saved', async () => {
+      const [download] = await Promise.all([
+        page.waitForEvent('download'),
+        page.click('#saved li:has(button.load:text("KEPT.BAS")) button[title^="Download"]'),
+      ]);
+      assert.strictEqual(download.suggestedFilename(), 'KEPT.BAS');
+      assert.strictEqual(fs.readFileSync(await download.path(), 'latin1'), '   10 PRINT "KEPT"\n');
+    });
+
+    await check('SLEEP and ENTER\'s time limit wait while the page goes on', async () => {
+      await type(page, 'NEW');
+      for (const line of ['10 SLEEP 500', '20 ENTER 1,T,A$', '30 PRINT "T=";T']) await type(page, line);
+      const started = Date.now();
+      const run = type(page, 'RUN');
+      await page.waitForTimeout(200);
+      const asked = Date.now();
+      await page.evaluate(() => document.title);
+      assert.ok(Date.now() - asked < 200, 'the page did not answer while the program slept');
+      assert.match(await run, /\nT=-256\s*\n\nDONE$/);
+      assert.ok(Date.now() - started >= 1400, `the run took ${Date.now() - started} ms`);
     });
 
     await check('the page raised no script error', async () => {
