@@ -259,8 +259,10 @@
     canvas.width = Math.min(width, 16384);
     canvas.height = Math.min(height, 16384);
     const context = canvas.getContext('2d');
-    context.fillStyle = '#fff';
-    context.fillRect(0, 0, canvas.width, canvas.height);
+    if (context) {  // none for a canvas larger than the browser draws: it stays blank
+      context.fillStyle = '#fff';
+      context.fillRect(0, 0, canvas.width, canvas.height);
+    }
     panel.append(title, canvas);
     $('windows').append(panel);
     dragBy(title, panel);
@@ -298,8 +300,28 @@
     w.canvas.getContext('2d').putImageData(image, 0, 0);
   }
 
+  // The interpreter waits on the flags each request answers, so they are answered
+  // even when the browser cannot show a picture that large.
   function onWindow(m) {
     const flags = new Uint8Array(m.memory);
+    try {
+      showWindow(m, flags);
+    } catch (e) {
+      console.log(`window @${m.n}: ${e.message}`);
+    }
+    if (m.request === 'create') {
+      Atomics.store(flags, m.flags.open, 1);
+      Atomics.store(flags, m.flags.creating, 0);
+    } else if (m.request === 'close') {
+      Atomics.store(flags, m.flags.creating, 0);
+    } else if (m.request === 'paint') {
+      Atomics.sub(flags, m.flags.painting, 1);
+    } else if (m.request === 'marker') {
+      Atomics.store(flags, m.flags.pending, 0);
+    }
+  }
+
+  function showWindow(m, flags) {
     const w = windows.get(m.n);
     switch (m.request) {
       case 'create': {
@@ -311,21 +333,14 @@
           made.panel.remove();
           windows.delete(m.n);
         });
-        Atomics.store(flags, m.flags.open, 1);
-        Atomics.store(flags, m.flags.creating, 0);
         break;
       }
       case 'close':
         if (w) w.panel.remove();
         windows.delete(m.n);
-        Atomics.store(flags, m.flags.creating, 0);
         break;
       case 'paint':
         if (w) paint(w, m);
-        Atomics.sub(flags, m.flags.painting, 1);
-        break;
-      case 'marker':
-        Atomics.store(flags, m.flags.pending, 0);
         break;
       case 'show':
       case 'hide':
