@@ -115,6 +115,9 @@
   }
 
   function start() {
+    // A new interpreter takes the screen as empty, with the cursor at the top left: what
+    // an earlier one showed scrolls up out of its way.
+    if (worker === null && window.velo.reads) term.write('\r\n'.repeat(term.rows) + '\x1b[H');
     setState('starting');
     words = bytes = null;
     running = reading = false;

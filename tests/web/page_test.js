@@ -172,6 +172,18 @@ async function main() {
       assert.ok(Date.now() - started >= 1400, `the run took ${Date.now() - started} ms`);
     });
 
+    await check('BYE ends the session and Enter starts another with the same files', async () => {
+      await page.keyboard.type('BYE');
+      await page.keyboard.press('Enter');
+      await waitForState(page, 'ended');
+      await page.waitForFunction(() => window.velo.settled());
+      assert.match(await screen(page), /MINUTES OF TERMINAL TIME\n+\[The interpreter ended\. Press Enter to start again\.\]$/);
+      await untilRead(page, () => page.keyboard.press('Enter'));
+      assert.match(await screen(page), /Press Enter to start again\.\]\n+Velo Basic V0\.94\.0\.154(.|\n)*READY$/);
+      await type(page, 'GET KEPT.BAS');
+      assert.match(await type(page, 'LIST'), /KEPT\.BAS\n\n   10   PRINT "KEPT"$/);
+    });
+
     await check('the page raised no script error', async () => {
       assert.deepStrictEqual(errors, []);
     });
