@@ -23,11 +23,11 @@ TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clan
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
-# The web page: the compiler to WebAssembly, and the browser its test drives. Node.js and
-# npm (Debian's, unless the machine has its own) bring the terminal widget and the
-# browser test's driver into web/node_modules.
+# The web page: the compiler to WebAssembly, the browser its test drives and the Python of
+# its local server. Node.js and npm (Debian's, unless the machine has its own) bring the
+# terminal widget and the browser test's driver into web/node_modules.
 WEB_PKGS   := emscripten binaryen
-WEB_TEST_PKGS := chromium
+WEB_TEST_PKGS := chromium python3
 
 .PHONY: all run test deps test-deps peers build build-tests checks layers unit e2e terminal gdi \
 	process asan fuzz bench docs install package package-test format clean \
@@ -201,6 +201,7 @@ web: web-deps web/node_modules/.package-lock.json $(WEB_BUILD)/CMakeCache.txt
 
 # Serves web/dist on http://127.0.0.1:$(PORT)/ with the headers SharedArrayBuffer needs.
 web-serve: web
+	$(call install_pkgs,python3,python3)
 	python3 web/serve.py $(PORT) web/dist
 
 # The page in headless Chromium: typing, LIST, RUN with INPUT, a canvas, SAVE across a reload.
