@@ -125,7 +125,9 @@
     const files = [...page.files.values()].map((f) => ({ path: f.path, data: f.data, mtime: f.mtime }));
     worker = new Worker('worker.js');
     worker.onmessage = (event) => onMessage(event.data);
-    worker.onerror = (event) => ended(`The interpreter could not start: ${event.message}`);
+    worker.onerror = (event) => {
+      if (state !== 'ended') ended(`The interpreter failed: ${event.message}.`);
+    };
     worker.postMessage({ t: 'start', files, examples: page.examples, cols: term.cols, rows: term.rows });
   }
 
@@ -193,8 +195,8 @@
       case 'exit':
         ended('The interpreter ended.');
         break;
-      case 'abort':
-        ended(`The interpreter stopped (${m.what}). Your saved files are kept.`);
+      case 'abort':  // without a reason of its own, memory that could not be had
+        ended(`The interpreter stopped: ${m.what || 'it ran out of memory'}. Your saved files are kept.`);
         break;
       case 'log':
         console.log(m.text);
