@@ -125,6 +125,12 @@ constexpr const char* kNotes[] = {
     "",
     "Up and Down recall the lines typed before, in this and earlier sessions.",
     "The manual page basic(1) describes the shell, the editor and the files.",
+#ifdef __EMSCRIPTEN__
+    "",
+    "In this web page your files are kept by the browser; the examples are in",
+    "/examples (GET /examples/rose.bas). Ctrl+C also ends a SLEEP. After BYE,",
+    "Enter starts the interpreter again.",
+#endif
 };
 
 // HELP CLASSIC finds this topic before the command's one line: the General group

@@ -7,6 +7,7 @@
 #include "expr/random.h"
 #include "gdi/gdi.h"
 #include "platform/break_flag.h"
+#include "platform/host_notice.h"
 #include "program/program.h"
 
 namespace {
@@ -102,6 +103,7 @@ void Trace(Console& con, const Statement* s) {
 // STOP or a break halted can go on later; it then keeps its files open.
 ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
   TestAndClearBreak();
+  NoteRunning(true);
   Program* prog = &first;
   std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
   RunState* run = &prog->run;
@@ -182,6 +184,7 @@ ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
   }
   // The error's file name is a copy; the chained program may go now.
   owned.reset();
+  NoteRunning(false);
   return code;
 }
 

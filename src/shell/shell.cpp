@@ -935,7 +935,12 @@ void Shell::Classic() {
 }  // namespace
 
 void PrintBanner() {
-  TheConsole().Printf("\n%s %s\n%s\n", kProductName, "for POSIX terminals",
+#ifdef __EMSCRIPTEN__
+  constexpr const char* kPlatform = "in a web page";
+#else
+  constexpr const char* kPlatform = "for POSIX terminals";
+#endif
+  TheConsole().Printf("\n%s %s\n%s\n", kProductName, kPlatform,
                       "Structured HP 2000 BASIC with graphics windows");
 }
 
