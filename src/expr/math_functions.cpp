@@ -1,7 +1,7 @@
 // The mathematical functions, RND and PI: double-precision library calls
 // rounded back to float.
-#include <bit>
 #include <chrono>
+#include <cstring>
 
 #include "base/convert.h"
 #include "expr/function_nodes.h"
@@ -121,7 +121,8 @@ void SeedRandomFromClock() {
 
 void SeedRandom(float x) {
   // Distinct values have distinct bit patterns, and Mix32 keeps them apart.
-  uint32_t bits = x == 0.0f ? 0u : std::bit_cast<uint32_t>(x);
+  uint32_t bits = 0;  // -0 and 0 seed alike
+  if (x != 0.0f) std::memcpy(&bits, &x, sizeof bits);
   g_seed = Mix32(bits);
 }
 

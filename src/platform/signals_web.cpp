@@ -19,6 +19,14 @@ void InstallSignalHandlers(bool) {}
 
 void SetFlushHook(void (*flush)()) { g_flush = flush; }
 
+void FlushOutput() {
+  if (g_flush) g_flush();
+}
+
+// One program runs in a page: no other process holds a lock to wait for.
+BreakableWait::BreakableWait() = default;
+BreakableWait::~BreakableWait() = default;
+
 void OutputLost() {}
 
 void ArmFlushTimer() {
