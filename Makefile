@@ -30,7 +30,7 @@ WEB_PKGS   := emscripten binaryen
 WEB_TEST_PKGS := chromium python3
 
 .PHONY: all run test deps test-deps peers build build-tests checks layers unit e2e terminal gdi \
-	process asan fuzz bench docs install package package-test format clean \
+	process asan fuzz bench docs install package package-test mutate format clean \
 	web web-deps web-node web-serve web-test web-stage web-bench
 
 all: build
@@ -179,6 +179,13 @@ package: build
 # The package unpacked and run on its own examples; lintian finds no error.
 package-test: test-deps package
 	tests/package/deb_test.sh $$(ls -t $(BUILD)/velo-basic_*.deb | head -n 1)
+
+# Mutation testing: FILES (default: changed since origin/main), N mutants per file
+# (10), SEED to repeat a run; survivors and the score go to tests/mutation/LAST.md.
+N ?= 10
+SEED ?=
+mutate: test-deps
+	python3 tests/mutation/mutate.py --files "$(FILES)" --n $(N) $(if $(SEED),--seed $(SEED)) --jobs $(JOBS)
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
