@@ -209,3 +209,48 @@ TEST_F(FunctionsTest, Listing) {
 }
 
 }  // namespace
+
+namespace {
+
+// LEN reports the bytes a program holds: every argument of every function counts,
+// so a longer argument makes the whole expression larger by at least its growth.
+TEST_F(FunctionsTest, EveryArgumentCountsInTheSize) {
+  const std::string text = "\"" + std::string(200, 'x') + "\"";
+  std::string sum = "1";
+  for (int i = 0; i < 50; ++i) sum += "+1";
+  struct Form {
+    const char* before;
+    const char* after;
+    bool numeric;  // the argument is a number, not a string
+  };
+  const Form forms[] = {
+      {"LEN(", ")", false},
+      {"DEC(", ")", false},
+      {"NUM(", ")", false},
+      {"POS(", ",\"B\")", false},
+      {"POS(\"AB\",", ")", false},
+      {"LEN(UPS$(", "))", false},
+      {"LEN(LEFT$(", ",1))", false},
+      {"LEN(MID$(", ",1,1))", false},
+      {"LEN(RIGHT$(", ",1))", false},
+      {"LEN(CHR$(", "))", true},
+      {"LEN(DEC$(", "))", true},
+      {"LEN(LEFT$(\"A\",", "))", true},
+      {"LEN(MID$(\"A\",1,", "))", true},
+      {"SIN(", ")", true},
+      {"RND(", ")", true},
+      {"ABS(", ")", true},
+  };
+  for (const Form& f : forms) {
+    std::string small = std::string(f.before) + (f.numeric ? "1" : "\"A\"") + f.after;
+    std::string large = std::string(f.before) + (f.numeric ? sum : text) + f.after;
+    NumericExpPtr a = Parse(small.c_str()), b = Parse(large.c_str());
+    ASSERT_TRUE(a && b) << small;
+    // Unsigned: a part subtracted instead of added wraps round to a huge size.
+    size_t growth = b->Size() - a->Size();
+    EXPECT_GE(growth, 199u) << large;
+    EXPECT_LT(growth, 4000u) << large;
+  }
+}
+
+}  // namespace
