@@ -137,6 +137,17 @@ TEST_F(FunctionsTest, TimeAndTaskReadTheInstalledClock) {
   EXPECT_EQ(Eval("TIM(11)"), 1350.0f);
   EXPECT_EQ(Eval("TIM(4)"), 20.0f);  // seconds past the minute, in every time zone
   EXPECT_EQ(Eval("TID(0)"), 4242.0f);
+  // Tuesday 14 November 2023, 22:13:20 in UTC: each selector its own part.
+  std::string zone = getenv("TZ") ? getenv("TZ") : "";
+  setenv("TZ", "UTC", 1);
+  tzset();
+  const float parts[] = {13, 22, 318, 23, 20, 2, 14, 10, 123, 0};
+  for (int n = 0; n < 10; ++n) {
+    std::string call = "TIM(" + std::to_string(n) + ")";
+    EXPECT_EQ(Eval(call.c_str()), parts[n]) << call;
+  }
+  zone.empty() ? unsetenv("TZ") : setenv("TZ", zone.c_str(), 1);
+  tzset();
   InstallClock(std::move(old));
   EXPECT_EQ(Eval("TID(0)"), static_cast<float>(getpid()));
 }
@@ -240,6 +251,10 @@ TEST_F(FunctionsTest, EveryArgumentCountsInTheSize) {
       {"SIN(", ")", true},
       {"RND(", ")", true},
       {"ABS(", ")", true},
+      {"A(", ")", true},
+      {"A(1,", ")", true},
+      {"LEN(B$(", "))", true},
+      {"LEN(C$[", "])", true},
   };
   for (const Form& f : forms) {
     std::string small = std::string(f.before) + (f.numeric ? "1" : "\"A\"") + f.after;
