@@ -15,6 +15,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <tuple>
 
 using namespace std::string_literals;
 
@@ -468,6 +469,72 @@ TEST_F(Loader, NumbersStayBelowTheLimit) {
   EXPECT_EQ(Listing(*prog),
             "999990   GOTO 999997\n999997   PRINT 1\n999998   REM a\n999999   REM b\n");
   EXPECT_EQ(Link(*prog), 0u);
+}
+
+}  // namespace
+
+namespace {
+
+// DUMP and LEN show what each statement holds: every part of a statement counts,
+// so a longer expression in any place makes the statement larger by its growth.
+TEST(StatementSize, EveryPartCounts) {
+  const std::string text = "\"" + std::string(200, 'x') + "\"";
+  std::string sum = "1";
+  for (int i = 0; i < 50; ++i) sum += "+1";
+  // {s} stands for a string, {n} for a number.
+  const char* forms[] = {
+      "CREATE R,{s},4",
+      "CREATE R,\"F\",{n}",
+      "CREATE R,\"F\",4,{n}",
+      "ASSIGN {s},1,R",
+      "PURGE R,{s}",
+      "PRINT {s}",
+      "PRINT {n};1",
+      "A={n}",
+      "A$={s}",
+      "IF {n} THEN 10",
+      "FOR I={n} TO 2",
+      "FOR I=1 TO 2 STEP {n}",
+      "WHILE {n}",
+      "UNTIL {n}",
+      "ON {n} GOTO 10,20",
+      "SLEEP {n}",
+      "PRINT USING {s};1",
+      "PRINT USING \"D\";{n}",
+      "INPUT {s},A",
+      "CHAIN {s}",
+      "PRINT TAB({n});1",
+      "SELECT {n}",
+      "CASE {n}",
+      "WINDOW @1;{n},2",
+      "MOVETO @1;{n},2",
+      "LINETO @1;1,{n}",
+      "COLOR @1;{n}",
+      "READ #1,{n};A",
+      "PRINT #1,{n};A",
+      "PRINT #1;{s}",
+      "CONVERT {n} TO A$",
+      "A(1)={n}",
+      "A({n})=1",
+  };
+  for (const char* form : forms) {
+    std::string small = form, large = form;
+    for (auto [mark, little, big] : {std::tuple{"{s}", "\"A\"", text}, {"{n}", "1", sum}}) {
+      if (size_t at = small.find(mark); at != std::string::npos) {
+        small.replace(at, 3, little);
+        large.replace(large.find(mark), 3, big);
+      }
+    }
+    Program a, b;
+    a.StartLine(small.c_str());
+    b.StartLine(large.c_str());
+    std::vector<StatementPtr> sa = a.ParseLine(), sb = b.ParseLine();
+    ASSERT_TRUE(!sa.empty() && !sb.empty()) << small;
+    // Unsigned: a part subtracted instead of added wraps round to a huge size.
+    size_t growth = sb.front()->Size() - sa.front()->Size();
+    EXPECT_GE(growth, 99u) << large;  // at least the text that was added
+    EXPECT_LT(growth, 4000u) << large;
+  }
 }
 
 }  // namespace
