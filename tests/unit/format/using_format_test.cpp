@@ -161,6 +161,7 @@ TEST(UsingFormat, ErrorsStopTheLineAtOnce) {
            Case{"2d,?", " 1", err::kBadFormatChar},
            Case{"2d,)", " 1", err::kBadFormatChar},
            Case{"2d,8 d", " 1", err::kBadFormatChar},
+           Case{"2(,d)", "", err::kBadFormatChar},  // a group's first item follows its "("
            Case{"---2d", "", err::kBadFormatChar},  // the "-" control, a "-" flag and a third "-"
            Case{"2d,\"ok\",'300,2d", " 1ok", err::kBadLiteral},
            Case{"2d,'999", " 1", err::kBadLiteral},
