@@ -36,7 +36,9 @@ for bas in "$here"/programs/*.bas; do
   # Programs run in a fresh copy of their folder: relative file names work, and
   # the data files they write stay out of the source tree.
   rm -rf "$work/prog" && cp -r "$here/programs" "$work/prog"
-  (cd "$work/prog" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+  # "$" and "*" names find the system and group libraries of the copy.
+  (cd "$work/prog" && BASIC_LIB="$work/prog/library/system" BASIC_GROUP="$work/prog/library/group" \
+    timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   check "programs/$name" "${bas%.bas}.out" "$work/out"
 done

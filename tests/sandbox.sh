@@ -107,6 +107,16 @@ BASIC_GDI_DUMP=sub "$basic" --sandbox . draw.bas >/dev/null 2>&1
 [ "$(ls -la ../outside | md5sum)" = "$outside_before" ] ||
   fail "the folder outside the sandbox changed: $(ls -la ../outside)"
 
+# The library folders count as inside the sandbox: the one who starts basic names them.
+mkdir -p "$work/group"
+printf '10 PRINT "GROUP PROGRAM RAN"\n' >"$work/group/trek0.bas"
+printf '10 FILES *\n20 CREATE R,"*ZZ",1,8\n30 ASSIGN "*zz",1,S\n40 PRINT R;S\n50 CHAIN "*TREK0"\n' >lib.bas
+[ "$(BASIC_GROUP="$work/group" "$basic" --sandbox . lib.bas | tr -s ' ')" = $' 0 0 \nGROUP PROGRAM RAN' ] ||
+  fail "a group library outside the sandbox: $(BASIC_GROUP="$work/group" "$basic" --sandbox . lib.bas)"
+[ -f "$work/group/ZZ" ] || fail "CREATE *ZZ made no file in the group library"
+[[ $("$basic" --sandbox . '*../outside/secret.bas' 2>&1) == *"(outside the sandbox)."* ]] ||
+  fail "an unset group library let a name out of the sandbox"
+
 # A sandbox that cannot be had stops the start: nothing runs unconfined.
 out=$("$basic" --sandbox "$work/none" inside.bas 2>&1)
 status=$?

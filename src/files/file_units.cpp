@@ -11,9 +11,9 @@ namespace {
 constexpr float kTypeNumber = 1, kTypeString = 2, kTypeEndFile = 3, kTypeEndRecord = 4;
 }  // namespace
 
-OpenStatus FileUnit::Open(const std::string& path, bool readOnly) {
+OpenStatus FileUnit::Open(const std::string& path, bool readOnly, std::string* note) {
   Close();
-  OpenStatus status = file_.Open(path, readOnly);
+  OpenStatus status = file_.Open(path, readOnly, note);
   Enter(1);
   return status;
 }

@@ -19,7 +19,8 @@ class FileUnit final {
 
   bool IsOpen() const { return file_.IsOpen(); }
   const DataFile& File() const { return file_; }
-  OpenStatus Open(const std::string& path, bool readOnly);
+  // *note gets what a failure to find the name adds to its message.
+  OpenStatus Open(const std::string& path, bool readOnly, std::string* note = nullptr);
   void Close();  // keeps the end branch: it belongs to the number
 
   // To the start of a record: kEnd past the last one, kFail (kArgOutOfRange)

@@ -127,14 +127,27 @@ constexpr const char* kNotes[] = {
     "The manual page basic(1) describes the shell, the editor and the files.",
 };
 
+constexpr const char* kFileNames[] = {
+    "A file name is a path, relative to the working folder. A leading $ names",
+    "a file of the system library, the folder that the environment variable",
+    "BASIC_LIB names; a leading * one of the group library (BASIC_GROUP).",
+    "Unset, each is the working folder. CHAIN \"*TREK0\" runs TREK0 of the",
+    "group library; FILES GAME1,*,$LIB names files without quotes.",
+    "An existing file is found by its name, then (a program, for GET, CHAIN",
+    "and the command line) with .bas added, then ignoring case: GET ADREAD",
+    "loads adread.bas. Two files that match ignoring case are an error.",
+    "SAVE and CREATE write the name as typed. ./$X is a file named $X.",
+};
+
 constexpr HelpText kIdentifiersText{kIdentifiers}, kOperatorsText{kOperators},
     kFormatsText{kFormats}, kNumericsText{kNumerics}, kStringsText{kStrings},
-    kConsoleText{kConsole}, kGraphicsText{kGraphics}, kNotesText{kNotes};
+    kConsoleText{kConsole}, kGraphicsText{kGraphics}, kFileNamesText{kFileNames},
+    kNotesText{kNotes};
 
 constexpr HelpEntry kGeneralEntries[] = {
     {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormatsText},
     {"Numerics", &kNumericsText},       {"Strings", &kStringsText},     {"Console", &kConsoleText},
-    {"Graphics", &kGraphicsText},       {"Notes", &kNotesText},
+    {"Graphics", &kGraphicsText},       {"FileNames", &kFileNamesText}, {"Notes", &kNotesText},
 };
 
 constexpr HelpGroup kGeneral{kGeneralEntries};

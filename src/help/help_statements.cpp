@@ -14,7 +14,8 @@ constexpr const char* kAssign[] = {
     "<returnVar> gets 0 opened, 1 opened read-only, 2 no such file,",
     "3 not a data file, 4 damaged, 5 cannot be opened.",
     "<restriction> RR opens for reading only; WR and NR read and write.",
-    "Other programs may have the file open too: see LOCK.",
+    "It may be any string expression; other text (a lock word) opens the",
+    "file without restriction. Other programs may share it: see LOCK.",
 };
 constexpr const char* kAdvance[] = {
     "ADVANCE #<fileNumber>;<count>,<returnVar> - Skip items in a file.",
@@ -35,8 +36,9 @@ constexpr const char* kChain[] = {
     "Loads, links and runs another program from its start or from",
     "<stmtIdentifier>; its COM variables take the values of this program's",
     "by position. Files are closed. On a failure <returnVar> gets the error",
-    "(1015 cannot open, 1016 bad lines, 2012 outside the sandbox, or the",
-    "link's) and the program goes on; without it the run stops.",
+    "(1015 cannot open, 1016 bad lines, 2012 outside the sandbox, 2014",
+    "two files match, or the link's) and the program goes on; without it",
+    "the run stops. <fileName> is found as GET finds it: HELP FILENAMES.",
 };
 constexpr const char* kClose[] = {
     "CLOSE @<gdiNumber>",
@@ -111,7 +113,8 @@ constexpr const char* kExtend[] = {
 constexpr const char* kFiles[] = {
     "FILES <fileName>[,<fileNameList>]",
     "Names the data files 1 to 16 in order; * keeps a number for ASSIGN.",
-    "Names may be written without quotes. RUN opens them all.",
+    "Names may be written without quotes (FILES *ZZ,$LIB): HELP FILENAMES.",
+    "RUN opens them all.",
 };
 constexpr const char* kFor[] = {
     "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",

@@ -161,16 +161,17 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
 
 void ReportRunError(bool statementWording) {
   Console& con = TheConsole();
-  const char* message = MessageOf(g_err.run);
+  std::string message = MessageOf(g_err.run);
+  if (g_err.noteCode == g_err.run && !g_err.note.empty()) message += " (" + g_err.note + ")";
   con.Write("\n");
   if (g_err.run != err::kBreak) con.Write("ERROR ");
   if (g_err.location & loc::kStmtNumber)
-    con.Printf("%s in %s %u", message, statementWording ? "statement number" : "line",
+    con.Printf("%s in %s %u", message.c_str(), statementWording ? "statement number" : "line",
                loc::Number(g_err.location));
   else if (g_err.location & loc::kFileLine)
-    con.Printf("%s in file line %u", message, loc::Number(g_err.location));
+    con.Printf("%s in file line %u", message.c_str(), loc::Number(g_err.location));
   else
-    con.Printf("%s", message);
+    con.Printf("%s", message.c_str());
   if (!g_err.file.empty())
     con.Printf(" in file \"%s\"\n", g_err.file.c_str());
   else

@@ -366,7 +366,8 @@ void Shell::Get(const char* line) {
   if (name.empty()) return;
   SourceFile file;
   if (!file.Open(name)) {
-    con_.Printf("Unable to open %s%s.\n", name.c_str(), RefusalNote(file.Error()));
+    con_.Printf("Unable to open %s%s.\n", name.c_str(),
+                RefusalNote(file.Error(), file.Note()).c_str());
     return;
   }
   NewProgram(LoadProgram(file, name, true));
@@ -561,7 +562,8 @@ int RunFile(const char* path, bool strict) {
   if (!file.Open(path, SourceFile::Kind::kAny)) {
     ErrorStreamScope errors(strict);
     PrintBanner();
-    TheConsole().Printf("\nUnable to open %s%s.\n", path, RefusalNote(file.Error()));
+    TheConsole().Printf("\nUnable to open %s%s.\n", path,
+                        RefusalNote(file.Error(), file.Note()).c_str());
     TheConsole().Flush();
     return strict ? 1 : -1;
   }
