@@ -182,6 +182,7 @@ constexpr int kPollMs = 50;
 }  // namespace
 
 int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
+  FlushFiles();  // what a program wrote is in its files while it waits for an answer
   Flush();
   editor_->Start(line);
   in_->BeginLine();

@@ -44,7 +44,7 @@ inline constexpr uint32_t kNumberWords = 2;
 // How opening, creating or purging a file went; ASSIGN, CREATE and PURGE hand
 // the first ones on as their status values. kBadName is a name no file can
 // have, kOutside one that leads outside the sandbox, kAmbiguous one that two
-// files match once case is ignored.
+// files match once case is ignored. kText and kTextReadOnly: a text file opened.
 enum class OpenStatus {
   kReadWrite,
   kReadOnly,
@@ -54,7 +54,9 @@ enum class OpenStatus {
   kFailed,
   kBadName,
   kOutside,
-  kAmbiguous
+  kAmbiguous,
+  kText,
+  kTextReadOnly
 };
 enum class CreateStatus { kCreated, kExists, kBadSize, kFailed, kBadName, kOutside };
 

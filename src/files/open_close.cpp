@@ -1,5 +1,5 @@
-// The statements that name, open, create and remove data files: FILES, ASSIGN,
-// CREATE, PURGE and CLOSE #. File names are host paths, relative to the working
+// The statements that name, open, create and remove files: FILES, ASSIGN,
+// CREATE, PURGE and CLOSE #. A file that is no data file opens as a text file. File names are host paths, relative to the working
 // folder, or in a library folder after "$" or "*", confined to the sandbox when
 // there is one.
 #include <fcntl.h>
@@ -16,7 +16,7 @@
 
 namespace {
 
-// The status values ASSIGN, CREATE and PURGE store in their return variable.
+// The status values ASSIGN stores in its return variable.
 float AssignStatus(OpenStatus status) {
   switch (status) {
     case OpenStatus::kReadWrite:
@@ -25,10 +25,13 @@ float AssignStatus(OpenStatus status) {
       return 1;
     case OpenStatus::kMissing:
       return 2;
+    case OpenStatus::kText:
     case OpenStatus::kNotData:
       return 3;
     case OpenStatus::kDamaged:
       return 4;
+    case OpenStatus::kTextReadOnly:
+      return 6;
     case OpenStatus::kFailed:
     case OpenStatus::kBadName:
     case OpenStatus::kOutside:
@@ -58,6 +61,8 @@ ErrorCode OpenError(OpenStatus status) {
   switch (status) {
     case OpenStatus::kReadWrite:
     case OpenStatus::kReadOnly:
+    case OpenStatus::kText:
+    case OpenStatus::kTextReadOnly:
       return 0;
     case OpenStatus::kMissing:
       return err::kFileNotFound;
@@ -113,7 +118,7 @@ class FilesStmt final : public Statement {
       FileUnit& unit = units_[units_.declared++];
       if (!name.quoted && name.path == "*") continue;
       std::string note;
-      if (ErrorCode code = OpenError(unit.Open(name.path, false, &note)))
+      if (ErrorCode code = OpenError(unit.Open(name.path, false, FileUnit::Ask::kAny, &note)))
         return Raise(NoteName(code, note), Location());
     }
     return 0;
@@ -124,29 +129,33 @@ class FilesStmt final : public Statement {
   std::vector<FilesName> names_;
 };
 
-// The restriction a text names, blanks around it and case ignored: tok::kRr,
-// kWr, kNr, or 0 for any other text (a lock word of old listings), which opens
-// the file without restriction.
-TokenCode RestrictionOf(std::string_view text) {
+// What an ASSIGN asks for: RR reading only; TEXT a text file, made when
+// missing; APPEND one written at its end. WR, NR and anything else ask nothing more.
+enum class Restriction { kNone, kReadOnly, kText, kAppend };
+
+bool SameWord(std::string_view text, std::string_view word) {
+  if (text.size() != word.size()) return false;
+  for (size_t i = 0; i < word.size(); ++i)
+    if ((text[i] | 0x20) != (word[i] | 0x20)) return false;
+  return true;
+}
+
+// The restriction a text names, blanks around it and case ignored. Any other
+// text (a lock word of old listings) opens the file without restriction.
+Restriction RestrictionOf(std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  if (text.size() != 2 || (text[1] | 0x20) != 'r') return 0;
-  switch (text[0] | 0x20) {
-    case 'r':
-      return tok::kRr;
-    case 'w':
-      return tok::kWr;
-    case 'n':
-      return tok::kNr;
-    default:
-      return 0;
-  }
+  if (SameWord(text, "RR")) return Restriction::kReadOnly;
+  if (SameWord(text, "TEXT")) return Restriction::kText;
+  if (SameWord(text, "APPEND")) return Restriction::kAppend;
+  return Restriction::kNone;
 }
 
 // ASSIGN name, n, r [, restriction]: opens a file as number n, closing what n
 // had. "*" as the name only closes. The restriction is RR, WR or NR as a word,
-// or any string expression: RR opens for reading only; WR, NR and any other
-// text read and write, programs sharing a file through LOCK.
+// or any string expression: RR opens for reading only; "TEXT" and "APPEND" a
+// text file; WR, NR and any other text read and write, programs sharing a
+// data file through LOCK.
 class AssignStmt final : public Statement {
  public:
   AssignStmt(FileUnits& units, StringExpPtr name, NumericExpPtr number,
@@ -164,17 +173,21 @@ class AssignStmt final : public Statement {
     float number = number_->Evaluate();
     FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
     if (!unit) return Fail(g_err.run);
-    TokenCode restriction = restriction_;
+    Restriction restriction =
+        restriction_ == tok::kRr ? Restriction::kReadOnly : Restriction::kNone;
     if (restrictionExp_) {
       restriction = RestrictionOf(restrictionExp_->Evaluate(restrictionWork_));
       if (g_err.run) return Fail(g_err.run);
     }
+    // Text the file number still held is written first: a failure stops here.
+    if (ErrorCode code = unit->Close()) return Fail(code);
     float status = 0;
-    if (path == "*") {
-      unit->Close();
-    } else {
+    if (path != "*") {
       std::string note;
-      OpenStatus opened = unit->Open(path, restriction == tok::kRr, &note);
+      FileUnit::Ask ask = restriction == Restriction::kText     ? FileUnit::Ask::kText
+                          : restriction == Restriction::kAppend ? FileUnit::Ask::kAppend
+                                                                : FileUnit::Ask::kAny;
+      OpenStatus opened = unit->Open(path, restriction == Restriction::kReadOnly, ask, &note);
       if (ErrorCode code = NameError(opened)) return Fail(NoteName(code, note));
       status = AssignStatus(opened);
     }
@@ -316,7 +329,7 @@ class PurgeStmt final : public Statement {
   StringValue work_;
 };
 
-// CLOSE #n: the file number is free again.
+// CLOSE #n: the file number is free again, a text file's last lines written.
 class CloseFileStmt final : public Statement {
  public:
   CloseFileStmt(FileUnits& units, NumericExpPtr number)
@@ -325,7 +338,7 @@ class CloseFileStmt final : public Statement {
     float number = number_->Evaluate();
     FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
     if (!unit) return Fail(g_err.run);
-    unit->Close();
+    if (ErrorCode code = unit->Close()) return Fail(code);
     return successor_;
   }
   TokenCode Code() const override { return tok::kClose; }

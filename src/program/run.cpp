@@ -113,8 +113,13 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
           } else if (prog->chained) {
             // CHAIN: the program left keeps no files; a chained one goes away.
             std::unique_ptr<Program> incoming = std::move(prog->chained);
+            if (ErrorCode code = run->files->CloseAll()) {
+              // The caller's text could not be written: the run stops at its CHAIN.
+              Raise(code, s->Location());
+              SetErrorFile(fileName);
+              break;
+            }
             s = prog->chainStart;
-            run->files->CloseAll();
             owned = std::move(incoming);
             prog = owned.get();
             run = &prog->run;
@@ -144,7 +149,10 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
     prog->chained.reset();
   }
   run->current = s;
-  run->files->CloseAll();
+  // Text the run wrote and could not write out is an error of its last statement.
+  ErrorCode unwritten = run->files->CloseAll();
+  if (unwritten && (!g_err.run || g_err.run == err::kStop || g_err.run == err::kEnd))
+    Raise(unwritten, s->Location());
   prog->chained.reset();  // a CHAIN that a break overtook
   con.RestoreDefaults();
   ErrorCode code = g_err.run;
