@@ -1,10 +1,14 @@
 # Two commands do everything on a fresh Debian machine:
 #   make run    builds, then starts the interpreter (make run ARGS=prog.bas runs a program)
 #   make test   builds, then runs every test: the layering of the sources, unit, end-to-end,
-#               real terminal, process, sanitizers, and a short run of every fuzz target
+#               real terminal, process, sanitizers, a short run of every fuzz target, and
+#               the web page in a headless browser
+#   make web    builds the web page into web/dist; make web-serve serves it on localhost
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
+WEB_BUILD  ?= build-web
+PORT       ?= 8000
 FUZZ_SECONDS ?= 6
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 ARGS       ?=
@@ -19,9 +23,15 @@ TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clan
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
 PEER_PKGS  := yabasic brandy bwbasic lua5.4
+# The web page: the compiler to WebAssembly, the browser its test drives and the Python of
+# its local server. Node.js and npm (Debian's, unless the machine has its own) bring the
+# terminal widget and the browser test's driver into web/node_modules.
+WEB_PKGS   := emscripten binaryen
+WEB_TEST_PKGS := chromium python3
 
 .PHONY: all run test deps test-deps peers build build-tests checks layers unit e2e terminal gdi \
-	process asan fuzz bench docs install package package-test format clean
+	process asan fuzz bench docs install package package-test mutate format clean \
+	web web-deps web-node web-serve web-test web-stage web-bench
 
 all: build
 
@@ -33,7 +43,8 @@ define install_pkgs
 	if [ -n "$$missing" ]; then \
 	  if [ "$$(id -u)" = 0 ] && command -v apt-get >/dev/null; then \
 	    echo "Installing:$$missing"; \
-	    apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $$missing >/dev/null \
+	    apt-get -o DPkg::Lock::Timeout=600 update -qq && \
+	    DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 install -y -qq $$missing >/dev/null \
 	      || { echo "apt-get could not install:$$missing"; exit 1; }; \
 	  else \
 	    echo "Missing Debian packages:$$missing"; \
@@ -80,6 +91,7 @@ unit: build-tests
 
 e2e: build-tests
 	tests/run_e2e.sh $(BUILD)/basic
+	tests/renumber_programs.sh $(BUILD)/basic
 	tests/command_line.sh $(BUILD)/basic
 	tests/sandbox.sh $(BUILD)/basic
 	tests/examples.sh $(BUILD)/basic
@@ -89,6 +101,7 @@ terminal: build-tests
 	tests/terminal/shell_tmux.sh $(BUILD)/basic
 	tests/terminal/history_tmux.sh $(BUILD)/basic
 	tests/terminal/signals_tmux.sh $(BUILD)/basic
+	tests/terminal/commands_tmux.sh $(BUILD)/basic
 
 # The example programs' pictures, drawn headless, against their references;
 # real windows on an Xvfb server of the test's own.
@@ -118,7 +131,7 @@ fuzz: test-deps
 	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets && \
 	tests/fuzz/run_fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
-test: checks unit e2e terminal gdi docs package-test process asan fuzz
+test: checks unit e2e terminal gdi docs package-test process asan fuzz web-stage
 
 peers:
 	@missing=""; for p in $(PEER_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
@@ -167,8 +180,66 @@ package: build
 package-test: test-deps package
 	tests/package/deb_test.sh $$(ls -t $(BUILD)/velo-basic_*.deb | head -n 1)
 
+# Mutation testing: FILES (default: changed since origin/main), N mutants per file
+# (10), SEED to repeat a run; survivors and the score go to tests/mutation/LAST.md.
+N ?= 10
+SEED ?=
+mutate: test-deps
+	python3 tests/mutation/mutate.py --files "$(FILES)" --n $(N) $(if $(SEED),--seed $(SEED)) --jobs $(JOBS)
+
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
 
+# The interpreter compiled to WebAssembly by Debian's emscripten, with the page around
+# it, in web/dist. emscripten's optimizer finds Debian's acorn through NODE_PATH.
+web web-bench $(WEB_BUILD)/CMakeCache.txt: export NODE_PATH := /usr/share/nodejs
+
+web-deps:
+	$(call install_pkgs,$(WEB_PKGS),$(WEB_PKGS))
+	@command -v npm >/dev/null || $(MAKE) --no-print-directory web-node
+
+web-node:
+	$(call install_pkgs,nodejs npm,nodejs npm)
+
+web/node_modules/.package-lock.json: web/package.json web/package-lock.json
+	cd web && npm ci --no-audit --no-fund
+
+$(WEB_BUILD)/CMakeCache.txt:
+	emcmake cmake -S . -B $(WEB_BUILD) -DCMAKE_BUILD_TYPE=Release -DBASIC_TESTS=OFF >/dev/null
+
+web: web-deps web/node_modules/.package-lock.json $(WEB_BUILD)/CMakeCache.txt
+	cmake --build $(WEB_BUILD) -j$(JOBS) --target basic
+	node web/build.js $(WEB_BUILD)
+
+# Serves web/dist on http://127.0.0.1:$(PORT)/ with the headers SharedArrayBuffer needs.
+web-serve: web
+	$(call install_pkgs,python3,python3)
+	python3 web/serve.py $(PORT) web/dist
+
+# The page in headless Chromium: typing, LIST, RUN with INPUT, a canvas, SAVE across a reload.
+web-test: web
+	$(call install_pkgs,$(WEB_TEST_PKGS),$(WEB_TEST_PKGS))
+	node tests/web/page_test.js web/dist
+
+# make test's web stage: web-test, skipped with the reason only where Chromium cannot be
+# installed (not root, or apt-get cannot reach it).
+web-stage:
+	@dpkg -s chromium >/dev/null 2>&1 || [ "$$(id -u)" != 0 ] || ! command -v apt-get >/dev/null || \
+	  { apt-get -o DPkg::Lock::Timeout=600 update -qq && DEBIAN_FRONTEND=noninteractive \
+	    apt-get -o DPkg::Lock::Timeout=600 install -y -qq chromium >/dev/null; } || true
+	@if dpkg -s chromium >/dev/null 2>&1; then $(MAKE) --no-print-directory web-test; \
+	else echo "SKIP web-test: Chromium is not installed and cannot be installed here" \
+	  "(sudo apt-get install chromium, then make web-test)"; fi
+
+# The benchmark programs in the page against the native build, and two of them with the
+# interpreter built to wait through Asyncify instead; the tables go to bench/WEB_RESULTS.md.
+web-bench: web build
+	$(call install_pkgs,$(WEB_TEST_PKGS),$(WEB_TEST_PKGS))
+	emcmake cmake -S . -B $(WEB_BUILD)-asyncify -DCMAKE_BUILD_TYPE=Release -DBASIC_TESTS=OFF \
+	  -DBASIC_WEB_ASYNCIFY=ON >/dev/null
+	cmake --build $(WEB_BUILD)-asyncify -j$(JOBS) --target basic
+	node web/build.js $(WEB_BUILD)-asyncify $(WEB_BUILD)-asyncify/dist
+	ASYNCIFY_DIST=$(WEB_BUILD)-asyncify/dist node bench/web_bench.js web/dist $(BUILD)/basic
+
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(WEB_BUILD) $(WEB_BUILD)-asyncify build-bench web/dist

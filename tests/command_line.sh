@@ -24,7 +24,8 @@ expect() {  # name expected-status expected-output command...
 usage="Usage: basic [--classic] [--strict] [--sandbox DIR] [<program file>]
 Without a file, basic starts its interactive shell: type HELP there.
 With one, it loads, links and runs the program, then exits.
-  --classic     A\$[s]=X gives A\$ the length s-1+LEN(X), as classic systems do
+  --classic     run old listings as classic systems did: their IMAGE formats,
+                FOR and NEXT, mixed brackets, substring stores (HELP CLASSIC)
   --strict      a run that fails, or a file that does not load, exits with
                 status 1 and writes its error report to standard error
   --sandbox DIR every file the program or the shell opens, creates, removes
@@ -128,6 +129,15 @@ Cannot open *Saved for output (group library $work/nogroup not found).
 Unable to open *Saved." getting Adread "$work/nogroup"
 getting adread.bas lib/group >/dev/null
 [ -f "$work/lib/group/Saved" ] || { echo "--- FAIL: SAVE *Saved wrote no lib/group/Saved"; failures=$((failures + 1)); }
+
+# Each run seeds RND from the clock to the microsecond and the process: twenty
+# rolls of a die started one after another show at least four faces.
+printf '10 PRINT INT(RND(0)*6)+1\n' >"$work/die.bas"
+faces=$(for _ in $(seq 20); do "$basic" "$work/die.bas"; done | sort -u | wc -l)
+if [ "$faces" -lt 4 ]; then
+  echo "--- FAIL: twenty runs rolled only $faces different faces"
+  failures=$((failures + 1))
+fi
 
 if [ "$failures" -eq 0 ]; then
   echo "command line: all checks passed"

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# End-to-end suites: BASIC programs run from the command line and shell
-# sessions piped into the interpreter, each compared byte for byte with its
-# expected output. Usage: run_e2e.sh path/to/basic [name-filter]
+# End-to-end suites: BASIC programs run from the command line (those named
+# classic_* with --classic) and shell sessions piped into the interpreter, each
+# compared byte for byte with its expected output. Usage: run_e2e.sh path/to/basic [name-filter]
 set -u
 basic=$(realpath "$1")
 filter=${2:-}
@@ -23,6 +23,9 @@ check() {  # name expected actual
 
 # Graphics windows open through the window thread on SDL's invisible driver.
 export SDL_VIDEODRIVER=dummy
+# CATALOG shows dates in local time, and the libraries of CATALOG $ and * are
+# folders of the session fixtures.
+export TZ=UTC BASIC_LIB=library BASIC_GROUP=group
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -36,9 +39,12 @@ for bas in "$here"/programs/*.bas; do
   # Programs run in a fresh copy of their folder: relative file names work, and
   # the data files they write stay out of the source tree.
   rm -rf "$work/prog" && cp -r "$here/programs" "$work/prog"
-  # "$" and "*" names find the system and group libraries of the copy.
+  # Programs named classic_* are old listings, run with the classic switch on; "$"
+  # and "*" names find the system and group libraries of the copy.
+  options=()
+  [[ "$name" == classic_* ]] && options=(--classic)
   (cd "$work/prog" && BASIC_LIB="$work/prog/library/system" BASIC_GROUP="$work/prog/library/group" \
-    timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+    timeout 20 "$basic" "${options[@]}" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   check "programs/$name" "${bas%.bas}.out" "$work/out"
 done
@@ -51,6 +57,8 @@ for input in "$here"/sessions/*.in; do
   # fixture files of tests/sessions/files are there to load.
   rm -rf "$work/run" && mkdir -p "$work/run"
   [ -d "$here/sessions/files" ] && cp -r "$here/sessions/files/." "$work/run/"
+  # Fixed dates, for the listings that show them.
+  find "$work/run" -exec touch -h -d @981173106 {} +
   # The three banner lines are left out of the expectation.
   (cd "$work/run" && timeout 20 "$basic" <"$input" 2>/dev/null | tail -n +4 >"$work/out")
   check "sessions/$name" "${input%.in}.out" "$work/out"

@@ -2,5 +2,7 @@
 // old programs were written for; set from the command line or the shell.
 #pragma once
 
-// --classic or CLASSIC ON: A$[s]=X leaves A$ exactly s-1+LEN(X) long.
+// --classic or CLASSIC ON: A$[s]=X leaves A$ exactly s-1+LEN(X) long; IMAGE
+// formats are classic fields; argument lists close with either bracket; TAPE
+// and KEY lines of program files are skipped; NEXT is matched while running.
 inline bool g_classic = false;

@@ -8,6 +8,7 @@
 #include "console/console_backend.h"
 #include "console/key_source.h"
 #include "console/line_editor.h"
+#include "console/web_backend.h"
 #include "platform/signals.h"
 #include "platform/terminal_restore.h"
 
@@ -449,12 +450,18 @@ void FlushAtExit() {
 }  // namespace
 
 std::unique_ptr<Console> MakeProcessConsole() {
+#ifdef __EMSCRIPTEN__
+  // In a web page the page's terminal widget is the console.
+  std::unique_ptr<KeySource> in = MakeWebKeys();
+  std::unique_ptr<ConsoleBackend> out = MakeWebBackend();
+#else
   bool outTty = isatty(STDOUT_FILENO) == 1;
   bool inTty = isatty(STDIN_FILENO) == 1;
   std::unique_ptr<KeySource> in =
       inTty ? MakeTerminalKeys(STDIN_FILENO) : MakePipedInput(STDIN_FILENO);
   std::unique_ptr<ConsoleBackend> out =
       outTty ? MakeTerminalBackend(STDOUT_FILENO) : MakeStreamBackend(STDOUT_FILENO);
+#endif
   static bool registered = false;
   if (!registered) {
     registered = true;

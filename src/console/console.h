@@ -20,6 +20,7 @@ class Console final : public PrintSink {
   static constexpr int kBreakRead = -1;   // Ctrl+C while waiting; run error set to kBreak
   static constexpr int kTimedOut = -2;    // the timed variant's deadline passed
   static constexpr int kEndOfInput = -3;  // standard input is exhausted
+  static constexpr int kAbandoned = -4;   // Escape, where EditLine reads
   static constexpr int kLineMax = 2047;   // characters a line may hold
 
   Console(std::unique_ptr<ConsoleBackend> out, std::unique_ptr<KeySource> in);
@@ -54,6 +55,10 @@ class Console final : public PrintSink {
   // Reads one line into line (room for kLineMax + 1 bytes, NUL-terminated) and
   // returns its length, or one of the negative results above.
   int ReadLine(char* line);
+  // The same, starting from text as if it were typed and with the template
+  // holding it; Escape ends the read with kAbandoned. Piped input shows the text
+  // on a line of its own and reads the line that replaces it.
+  int EditLine(char* line, std::string_view text);
   // The same within a time limit; elapsedSeconds gets the whole seconds taken, plus one.
   int ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds);
   // The lines read so far, which Up and Down bring back.
@@ -83,7 +88,8 @@ class Console final : public PrintSink {
   void EscAddress(char c);
   void ApplyAttributes();
   void CheckResize();
-  int ReadLineUntil(char* line, int64_t deadlineMs);  // deadline < 0: none
+  // deadline < 0: none; text and escapeEnds as EditLine takes them.
+  int ReadLineUntil(char* line, int64_t deadlineMs, std::string_view text, bool escapeEnds);
 
   std::unique_ptr<ConsoleBackend> out_;
   std::unique_ptr<KeySource> in_;

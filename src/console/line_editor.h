@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "console/console.h"
 #include "console/line_history.h"
@@ -19,10 +20,13 @@ class LineEditor final {
  public:
   explicit LineEditor(Console& con) : con_(con) {}
 
-  void Start(char* line);
+  // Starts a line. The text is put on it as if typed and made the template,
+  // ready for the editing keys; with escapeEnds, Escape ends the line unstored.
+  void Start(char* line, std::string_view text = {}, bool escapeEnds = false);
   // Handles one key; true when it ended the line (its length is then Length()).
   bool Handle(int key);
   int Length() const { return len_; }
+  bool Abandoned() const { return abandoned_; }  // the line ended by Escape
   // Enters a whole line as if typed: echo, then Enter.
   void Enter(const char* text, int n);
   LineHistory& History() { return history_; }
@@ -48,6 +52,8 @@ class LineEditor final {
   int anchor_ = 0;
   bool full_ = false;
   bool insert_ = false;
+  bool escapeEnds_ = false;
+  bool abandoned_ = false;
   int searching_ = 0;  // F2 or F4 while their search key is awaited
   char lastF2_ = 0;
   char lastF4_ = 0;

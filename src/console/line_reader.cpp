@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 
@@ -8,7 +9,7 @@
 #include "console/line_editor.h"
 #include "platform/break_flag.h"
 
-void LineEditor::Start(char* line) {
+void LineEditor::Start(char* line, std::string_view text, bool escapeEnds) {
   line_ = line;
   len_ = 0;
   line_[0] = '\0';
@@ -18,6 +19,14 @@ void LineEditor::Start(char* line) {
   pos_ = 0;
   anchor_ = 0;
   browse_ = history_.Size();
+  escapeEnds_ = escapeEnds;
+  abandoned_ = false;
+  if (text.empty()) return;
+  // The text is typed over its own template, so that Backspace walks back through
+  // both and F1, F3 and Del go on from where the changes stop.
+  tlen_ = static_cast<int>(std::min(text.size(), size_t{Console::kLineMax}));
+  std::memcpy(template_, text.data(), static_cast<size_t>(tlen_));
+  while (pos_ < tlen_) CopyOne();
 }
 
 void LineEditor::Append(char c) {
@@ -111,6 +120,12 @@ bool LineEditor::Handle(int k) {
       return true;
     case key::kEscape:
       con_.Write("@\n");
+      if (escapeEnds_) {
+        abandoned_ = true;
+        len_ = 0;
+        line_[0] = '\0';
+        return true;
+      }
       len_ = 0;
       insert_ = false;
       pos_ = anchor_ = 0;
@@ -181,10 +196,16 @@ namespace {
 constexpr int kPollMs = 50;
 }  // namespace
 
-int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
+int Console::ReadLineUntil(char* line, int64_t deadlineMs, std::string_view text, bool escapeEnds) {
   FlushFiles();  // what a program wrote is in its files while it waits for an answer
+  // Piped lines come whole: the text is shown on a line of its own, and the line
+  // read replaces it.
+  if (!text.empty() && in_->DeliversLines()) {
+    Write(text);
+    PutPlain('\n');
+  }
   Flush();
-  editor_->Start(line);
+  editor_->Start(line, in_->DeliversLines() ? std::string_view() : text, escapeEnds);
   in_->BeginLine();
   int result;
   for (;;) {
@@ -223,7 +244,7 @@ int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
       break;
     }
     if (editor_->Handle(k)) {
-      result = editor_->Length();
+      result = editor_->Abandoned() ? kAbandoned : editor_->Length();
       break;
     }
     Flush();
@@ -234,11 +255,15 @@ int Console::ReadLineUntil(char* line, int64_t deadlineMs) {
   return result;
 }
 
-int Console::ReadLine(char* line) { return ReadLineUntil(line, -1); }
+int Console::ReadLine(char* line) { return ReadLineUntil(line, -1, {}, false); }
+
+int Console::EditLine(char* line, std::string_view text) {
+  return ReadLineUntil(line, -1, text, true);
+}
 
 int Console::ReadLineTimed(char* line, unsigned seconds, unsigned* elapsedSeconds) {
   int64_t start = clock_();
-  int n = ReadLineUntil(line, start + static_cast<int64_t>(seconds) * 1000);
+  int n = ReadLineUntil(line, start + static_cast<int64_t>(seconds) * 1000, {}, false);
   if (n >= 0 && elapsedSeconds)
     *elapsedSeconds = static_cast<unsigned>((clock_() - start) / 1000 + 1);
   return n;

@@ -10,17 +10,13 @@
 #include <string>
 
 #include "console/console_backend.h"
+#include "console/ecma48_screen.h"
 #include "console/key_source.h"
 #include "platform/break_flag.h"
 #include "platform/signals.h"
 #include "platform/terminal_restore.h"
 
 namespace {
-
-// Colour bits (bit 0 blue, bit 1 green, bit 2 red) as an ECMA-48 colour number.
-int AnsiColour(unsigned bits) {
-  return ((bits & 4) ? 1 : 0) | ((bits & 2) ? 2 : 0) | ((bits & 1) ? 4 : 0);
-}
 
 // Asks the terminal where its cursor is; false when it does not answer in time.
 bool QueryCursor(int inFd, int outFd, int* x, int* y) {
@@ -60,7 +56,7 @@ bool QueryCursor(int inFd, int outFd, int* x, int* y) {
   return ok;
 }
 
-class TerminalBackend final : public ConsoleBackend {
+class TerminalBackend final : public Ecma48Screen<TerminalBackend> {
  public:
   explicit TerminalBackend(int fd) : fd_(fd) {
     RegisterTerminalOutput(fd);
@@ -70,10 +66,6 @@ class TerminalBackend final : public ConsoleBackend {
   }
   ~TerminalBackend() override { Drain(); }
 
-  void Size(int* cols, int* rows) override {
-    *cols = cols_;
-    *rows = rows_;
-  }
   void InitialCursor(int* x, int* y) override {
     *x = 0;
     *y = rows_ - 1;
@@ -109,80 +101,12 @@ class TerminalBackend final : public ConsoleBackend {
     return true;
   }
 
-  void Draw(int x, int y, char c, uint16_t attr) override {
-    unsigned char uc = static_cast<unsigned char>(c);
-    // The continuation bytes of a UTF-8 character belong to the cell its lead byte took.
-    if ((uc & 0xC0) == 0x80 && lastHigh_) {
-      Put(c);
-      return;
-    }
-    Sync();
-    if (attr != shownAttr_) Sgr(attr);
-    if (x != tcx_ || y != tcy_) MoveTo(x, y);
-    lastHigh_ = uc >= 0x80;
-    if (uc == 7) {
-      Put('\a');  // rings and does not move
-      return;
-    }
-    Put(uc < 32 || uc == 127 ? ' ' : c);
-    // At the last column the terminal waits to wrap; the next draw positions explicitly.
-    tcx_ = x + 1 < cols_ ? x + 1 : -1;
-  }
-
-  void Fill(int x, int y, long count, uint16_t attr, bool) override {
-    Sync();
-    if (attr != shownAttr_) Sgr(attr);
-    MoveTo(x, y);
-    if (count >= static_cast<long>(rows_ - y) * cols_ - x) {
-      Append("\x1b[J");
-      return;
-    }
-    while (count > 0 && y < rows_) {
-      long n = cols_ - x;
-      if (n > count) n = count;
-      if (x + n >= cols_)
-        Append("\x1b[K");
-      else
-        Printf("\x1b[%ldX", n);
-      count -= n;
-      x = 0;
-      if (count > 0) MoveTo(0, ++y);
-    }
-  }
-
-  void ScrollUp(uint16_t attr) override {
-    Sync();
-    if (attr != shownAttr_) Sgr(attr);
-    MoveTo(0, rows_ - 1);
-    Put('\n');
-    tcx_ = -1;
-  }
-
-  void SetAttr(uint16_t) override {}  // shown with the next cell drawn
   // A user sees each line as soon as it ends.
   void LineFeed() override { Drain(); }
 
-  void ShowCursor(bool visible) override {
-    if (visible == cursorShown_) return;
-    cursorShown_ = visible;
-    Append(visible ? "\x1b[?25h" : "\x1b[?25l");
-    NoteChanged();
-  }
-
-  void SetTitle(const char* title) override {
-    Append("\x1b]0;");
-    for (const char* p = title; *p; ++p)
-      if (static_cast<unsigned char>(*p) >= 32 && *p != 127) Put(*p);
-    Put('\a');
-  }
-
-  void Flush(int x, int y) override {
-    Sync();
-    if (x != tcx_ || y != tcy_) MoveTo(x, y);
-    Drain();
-  }
-
  private:
+  friend class Ecma48Screen<TerminalBackend>;
+
   void QuerySize(int* cols, int* rows) {
     winsize ws = {};
     if (ioctl(fd_, TIOCGWINSZ, &ws) == 0 && ws.ws_col > 0 && ws.ws_row > 0) {
@@ -199,51 +123,11 @@ class TerminalBackend final : public ConsoleBackend {
     unsigned seen = TerminalContinueCount();
     if (seen == contSeen_) return;
     contSeen_ = seen;
-    shownAttr_ = 0xFFFF;
-    tcx_ = tcy_ = -1;
-    if (!cursorShown_) Append("\x1b[?25l");
-    NoteChanged();
+    Forget();
   }
 
-  void MoveTo(int x, int y) {
-    if (x == 0 && tcy_ >= 0 && y == tcy_ + 1)
-      Append("\r\n");
-    else if (x == 0 && y == tcy_)
-      Put('\r');
-    else
-      Printf("\x1b[%ld;%ldH", y + 1, x + 1);
-    tcx_ = x;
-    tcy_ = y;
-  }
-
-  // The exit resets colours and the cursor only when they differ from the start.
-  void NoteChanged() { SetTerminalOutputChanged(shownAttr_ != 0x07 || !cursorShown_); }
-
-  void Sgr(uint16_t attr) {
-    shownAttr_ = attr;
-    NoteChanged();
-    if (attr == 0x07) {
-      Append("\x1b[0m");  // the start-up colours are the terminal's own
-      return;
-    }
-    int fg = AnsiColour(attr & 7) + ((attr & 8) ? 90 : 30);
-    int bg = AnsiColour((attr >> 4) & 7) + 40;
-    Printf("\x1b[0;%ld;%ldm", fg, bg);
-  }
-
-  void Put(char c) {
-    if (n_ == 0) NoteOutputPending();
-    if (n_ == sizeof buf_) Drain();
-    buf_[n_++] = c;
-  }
-  void Append(const char* s) {
-    while (*s) Put(*s++);
-  }
-  void Printf(const char* format, long a, long b = 0) {
-    char tmp[32];
-    snprintf(tmp, sizeof tmp, format, a, b);
-    Append(tmp);
-  }
+  void Changed(bool changed) { SetTerminalOutputChanged(changed); }
+  void Pending() { NoteOutputPending(); }
 
   void Drain() {
     const char* p = buf_;
@@ -269,19 +153,10 @@ class TerminalBackend final : public ConsoleBackend {
   }
 
   int fd_;
-  int cols_ = 80;
-  int rows_ = 24;
-  int tcx_ = -1;  // where the terminal's cursor is, -1 when unknown
-  int tcy_ = -1;
-  uint16_t shownAttr_ = 0x07;
-  bool cursorShown_ = true;
-  bool lastHigh_ = false;
   bool gone_ = false;
   unsigned resizeSeen_ = 0;
   unsigned contSeen_ = 0;
   unsigned movedSeen_ = 0;
-  size_t n_ = 0;
-  char buf_[16 * 1024];
 };
 
 }  // namespace

@@ -28,7 +28,8 @@ NumericExpPtr ParseNumericFunction(ExprContext& p) {
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
   if (tok::Category(code) != tok::kNumFunc || !key) return call.Fail();
-  if (!p.Accept(tok::kLParen)) return call.Replace(err::kMissingLParen);
+  TokenCode open = p.AcceptOpener();
+  if (!open) return call.Replace(err::kMissingLParen);
 
   NumericExpPtr node;
   switch (code) {
@@ -61,7 +62,7 @@ NumericExpPtr ParseNumericFunction(ExprContext& p) {
       break;
     }
   }
-  if (!p.Accept(tok::kRParen)) return call.Replace(err::kMissingRParen);
+  if (!p.AcceptCloser(open)) return call.Replace(err::kMissingRParen);
   SetParseError(0);
   return node;
 }
@@ -71,7 +72,8 @@ StringExpPtr ParseStringFunction(ExprContext& p) {
   TokenCode code = p.GetToken();
   const KeyToken* key = p.Symbol();
   if (tok::Category(code) != tok::kStrFunc || !key) return call.Fail();
-  if (!p.Accept(tok::kLParen)) return call.Replace(err::kMissingLParen);
+  TokenCode open = p.AcceptOpener();
+  if (!open) return call.Replace(err::kMissingLParen);
 
   StringExpPtr text;
   NumericExpPtr number, count;
@@ -95,7 +97,7 @@ StringExpPtr ParseStringFunction(ExprContext& p) {
     default:
       return call.Replace(err::kBadStringExp);
   }
-  if (!p.Accept(tok::kRParen)) return call.Replace(err::kMissingRParen);
+  if (!p.AcceptCloser(open)) return call.Replace(err::kMissingRParen);
   SetParseError(0);
   return MakeStringFunction(key, std::move(text), std::move(number), std::move(count));
 }

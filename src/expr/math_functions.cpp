@@ -1,10 +1,12 @@
 // The mathematical functions, RND and PI: double-precision library calls
 // rounded back to float.
-#include <ctime>
+#include <chrono>
+#include <cstring>
 
 #include "base/convert.h"
 #include "expr/function_nodes.h"
 #include "expr/random.h"
+#include "platform/system_clock.h"
 
 namespace {
 
@@ -84,7 +86,45 @@ class PiFunc final : public NumericLibFunc {
 
 }  // namespace
 
-void ReseedRandom() { g_seed = static_cast<uint32_t>(std::time(nullptr)); }
+namespace {
+
+// A bijection on 32 bits that spreads every input bit over the whole word.
+uint32_t Mix32(uint32_t x) {
+  x ^= x >> 16;
+  x *= 0x7FEB352Du;
+  x ^= x >> 15;
+  x *= 0x846CA68Bu;
+  x ^= x >> 16;
+  return x;
+}
+
+// Folds 64 bits into one well-spread value.
+uint64_t Mix64(uint64_t x) {
+  x += 0x9E3779B97F4A7C15u;
+  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9u;
+  x = (x ^ (x >> 27)) * 0x94D049BB133111EBu;
+  return x ^ (x >> 31);
+}
+
+}  // namespace
+
+void SeedRandomFromClock() {
+  // Two seedings in one microsecond still differ.
+  static uint64_t calls = 0;
+  const SystemClock& clock = TheClock();
+  auto micros =
+      std::chrono::duration_cast<std::chrono::microseconds>(clock.Now().time_since_epoch()).count();
+  uint64_t mixed =
+      Mix64(static_cast<uint64_t>(micros) ^ (uint64_t{clock.ProcessId()} << 40) ^ Mix64(++calls));
+  g_seed = static_cast<uint32_t>(mixed ^ (mixed >> 32));
+}
+
+void SeedRandom(float x) {
+  // Distinct values have distinct bit patterns, and Mix32 keeps them apart.
+  uint32_t bits = 0;  // -0 and 0 seed alike
+  if (x != 0.0f) std::memcpy(&bits, &x, sizeof bits);
+  g_seed = Mix32(bits);
+}
 
 NumericExpPtr MakePi(const KeyToken* key) { return std::make_unique<PiFunc>(key); }
 

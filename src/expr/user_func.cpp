@@ -61,15 +61,16 @@ bool StartsWithFn(std::string_view name) {
 }
 
 bool ParseParameters(ExprContext& p, ParameterSpec* out) {
-  if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
-  if (p.Accept(tok::kRParen)) return true;
+  TokenCode open = p.AcceptOpener();
+  if (!open) return SetParseError(err::kMissingLParen), false;
+  if (p.AcceptCloser(open)) return true;
   for (;;) {
     TokenCode category = tok::Category(p.GetToken());
     if ((category != tok::kNumVar && category != tok::kStrVar) || !p.Symbol())
       return SetParseError(err::kBadParam), false;
     if (!out->Add(static_cast<const VarToken*>(p.Symbol()), category == tok::kStrVar))
       return SetParseError(err::kDuplicateParam), false;
-    if (p.Accept(tok::kRParen)) return true;
+    if (p.AcceptCloser(open)) return true;
     if (!p.Accept(tok::kComma)) return SetParseError(err::kBadParamList), false;
   }
 }
@@ -130,15 +131,16 @@ struct Argument {
 bool ParseArguments(ExprContext& p, std::vector<Argument>* out) {
   if (!p.SpendExpression()) return SetParseError(err::kBadNumericExp), false;
   ParseAttempt attempt(p);
-  if (!p.Accept(tok::kLParen)) return SetParseError(err::kMissingLParen), false;
-  if (p.Accept(tok::kRParen)) return true;
+  TokenCode open = p.AcceptOpener();
+  if (!open) return SetParseError(err::kMissingLParen), false;
+  if (p.AcceptCloser(open)) return true;
   do {
     Argument arg;
     // A string expression that ends its argument is one. Read first, it spares each
     // nested string call a second reading, which doubled the work with every level.
     ParseAttempt text(p);
     ErrorCode before = g_err.parse;
-    if ((arg.text = ParseStringExp(p)) && (p.Peek() == tok::kComma || p.Peek() == tok::kRParen)) {
+    if ((arg.text = ParseStringExp(p)) && (p.Peek() == tok::kComma || ClosesList(p.Peek(), open))) {
       out->push_back(std::move(arg));
       continue;
     }
@@ -154,7 +156,7 @@ bool ParseArguments(ExprContext& p, std::vector<Argument>* out) {
     }
     out->push_back(std::move(arg));
   } while (p.Accept(tok::kComma));
-  if (!p.Accept(tok::kRParen)) return SetParseError(err::kMissingRParen), false;
+  if (!p.AcceptCloser(open)) return SetParseError(err::kMissingRParen), false;
   SetParseError(0);
   return true;
 }

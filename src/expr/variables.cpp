@@ -452,7 +452,7 @@ std::unique_ptr<StringVar> ParseStringVar(ExprContext& p) {
     if (form != StringLimit::kFirst) second = ParseNumericExp(p);
   }
   if (!start || (form != StringLimit::kFirst && !second)) return attempt.Fail(err::kBadSubstring);
-  if (!p.Accept(tok::kRBracket)) return attempt.Replace(err::kMissingRBracket);
+  if (!p.AcceptCloser(tok::kLBracket)) return attempt.Replace(err::kMissingRBracket);
   auto limit = std::make_unique<StringLimit>(form, std::move(start), std::move(second));
   return std::make_unique<StringSubVar>(std::move(base), std::move(limit));
 }

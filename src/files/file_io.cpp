@@ -391,6 +391,9 @@ class OnEndFileStmt final : public Statement {
     out += " THEN ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    if (target_) out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     return !target_ || target_.Named() ? 0 : err::kUndefinedTarget;
   }

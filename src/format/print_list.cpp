@@ -238,10 +238,11 @@ class PrintEndCommaSpec final : public PrintSpecList {
 // TAB, SPA or LIN with its parenthesised argument (the name consumed).
 PrintSpecPtr ParsePrintFunction(ExprContext& p, TokenCode code) {
   ParseAttempt attempt(p);
-  if (!p.Accept(tok::kLParen)) return attempt.Replace(err::kMissingLParen);
+  TokenCode open = p.AcceptOpener();
+  if (!open) return attempt.Replace(err::kMissingLParen);
   NumericExpPtr arg = ParseNumericExp(p);
   if (!arg) return attempt.Fail(err::kBadNumericExp);
-  if (!p.Accept(tok::kRParen)) return attempt.Replace(err::kMissingRParen);
+  if (!p.AcceptCloser(open)) return attempt.Replace(err::kMissingRParen);
   switch (code) {
     case tok::kFnTab:
       return std::make_unique<PrintFuncTabSpec>(std::move(arg));

@@ -35,6 +35,152 @@ std::string_view PrintedText(float value, char (&buffer)[kNumberBufferSize]) {
   return text;
 }
 
+// x >= 0 rounded to `decimals` places as fields round (exact to nine places,
+// zeros after): writes the whole part without leading zeros ("0" for none),
+// then exactly `decimals` digits, and returns the whole part's length. out
+// holds kRoundedMax characters.
+constexpr size_t kRoundedMax = 320 + picture::kMaxWidth;
+size_t RoundedDigits(double x, int decimals, char* out) {
+  int exact = std::min(decimals, kMaxDecimals);
+  double rounded = x + kRoundingAddend[exact];
+  double whole = std::floor(rounded);
+  char* p = out;
+  uint64_t integer;
+  char digits[24];
+  if (conv::ToUint64In(whole, &integer)) {
+    char* first = Digits(integer, digits + sizeof digits, 1);
+    p = std::copy(first, digits + sizeof digits, p);
+  } else {
+    // Beyond 64 bits (at most 10^255 here): the double's exact integer value.
+    int n = std::snprintf(p, 320, "%.0f", whole);
+    p += std::clamp(n, 0, 319);
+  }
+  auto wholeLength = static_cast<size_t>(p - out);
+  if (exact > 0) {
+    uint64_t fraction = 0;
+    if (!conv::ToUint64In((rounded - whole) * static_cast<double>(kPowerOfTen[exact]), &fraction))
+      fraction = 0;
+    fraction = std::min(fraction, kPowerOfTen[exact] - 1);
+    char* first = Digits(fraction, digits + sizeof digits, exact);
+    p = std::copy(first, digits + sizeof digits, p);
+  }
+  std::fill_n(p, decimals - exact, '0');
+  return wholeLength;
+}
+
+// The digits of x for an exponent field with `lead` digits before the point
+// (none: the mantissa lies in [0.1, 1)) and `decimals` after it, rounded half
+// up from the value's exact decimal digits; writes them to out (kRoundedMax)
+// and returns how many stand before the point. False when the exponent needs
+// more than two digits.
+bool ScientificDigits(double x, int lead, int decimals, char* out, size_t* wholeLength,
+                      int* exponent) {
+  auto kept = static_cast<size_t>(lead + decimals);
+  if (x == 0) {
+    *wholeLength = lead > 0 ? 1 : 0;
+    std::fill_n(out, *wholeLength + static_cast<size_t>(decimals), '0');
+    *exponent = 0;
+    return true;
+  }
+  // 121 significant digits hold any float's value exactly.
+  char text[160];
+  int n = std::snprintf(text, sizeof text, "%.120e", x);
+  if (n <= 0 || static_cast<size_t>(n) >= sizeof text) return false;
+  char significant[122];
+  significant[0] = text[0];
+  std::copy(text + 2, text + 122, significant + 1);
+  int power = std::atoi(text + 123);  // x = d.ddd... * 10^power
+  size_t available = std::min<size_t>(kept, 121);
+  std::copy(significant, significant + available, out);
+  std::fill(out + available, out + kept, '0');
+  if (kept < 121 && significant[kept] >= '5') {
+    // Half up; a carry out of the first digit moves the exponent.
+    size_t i = kept;
+    while (i > 0 && out[i - 1] == '9') out[--i] = '0';
+    if (i > 0) {
+      ++out[i - 1];
+    } else {
+      out[0] = '1';
+      ++power;
+    }
+  }
+  int e = power - (lead - 1);
+  if (e < -99 || e > 99) return false;
+  *wholeLength = static_cast<size_t>(lead);
+  *exponent = e;
+  return true;
+}
+
+// Lays a number into a classic picture, out holding the field's width of
+// blanks: digits right-aligned before the point, leading zeros blank, X a
+// blank, E as "E+dd", and the sign ("-", or "+" with S) just before the first
+// character printed. False when the number does not fit.
+bool LayPicture(double x, const FormatItem& field, std::string_view positions, char* out) {
+  if (!std::isfinite(x)) return false;
+  bool negative = x < 0;
+  x = std::fabs(x);
+  bool signed_ = field.flags & FormatItem::kSign;
+  int decimals = field.precision;
+  // Where each position prints; the exponent takes four.
+  int16_t whole[picture::kMaxWidth], fraction[picture::kMaxWidth];
+  int wholeSlots = 0, fractionSlots = 0, point = -1, exponentAt = -1, at = 0;
+  for (char c : positions) {
+    if (c == picture::kDigit) {
+      int16_t& slot = point < 0 ? whole[wholeSlots++] : fraction[fractionSlots++];
+      slot = static_cast<int16_t>(at);
+    } else if (c == picture::kPoint) {
+      point = at;
+    } else if (c == picture::kExponent) {
+      exponentAt = at;
+      at += 3;
+    }
+    ++at;
+  }
+  int exponent = 0;
+  char digits[kRoundedMax];
+  size_t length;
+  if (exponentAt >= 0) {
+    // Without S a negative mantissa leaves the first position to its sign.
+    int lead = std::max(wholeSlots - (negative && !signed_ ? 1 : 0), 0);
+    if (lead == 0 && decimals == 0) return false;
+    if (!ScientificDigits(x, lead, decimals, digits, &length, &exponent)) return false;
+    // Leading zeros of the mantissa are blank, as in any whole part.
+    size_t zeros = 0;
+    while (zeros + 1 < length && digits[zeros] == '0') ++zeros;
+    std::copy(digits + zeros, digits + length + static_cast<size_t>(decimals), digits);
+    length -= zeros;
+  } else {
+    length = RoundedDigits(x, decimals, digits);
+  }
+  auto wholeLength = static_cast<int>(length);
+  bool zero = std::all_of(digits, digits + length + static_cast<size_t>(decimals),
+                          [](char c) { return c == '0'; });
+  char sign = negative && !zero ? '-' : signed_ ? '+' : '\0';
+  // A zero whole part prints as "0" where it has a position.
+  if (wholeLength == 1 && digits[0] == '0' && wholeSlots == 0) wholeLength = 0;
+  if (wholeLength > wholeSlots) return false;
+  for (int i = 0; i < wholeLength; ++i) out[whole[wholeSlots - wholeLength + i]] = digits[i];
+  if (point >= 0) out[point] = '.';
+  for (int i = 0; i < fractionSlots; ++i) out[fraction[i]] = digits[length + i];
+  if (sign) {
+    int first = wholeLength ? whole[wholeSlots - wholeLength] : point;
+    if (first == 0 && wholeLength == 1 && digits[0] == '0' && point > 0) {
+      // "-.50" rather than no room: the zero gives its position to the sign.
+      out[first] = ' ';
+      first = point;
+    }
+    if (first <= 0) return false;
+    out[first - 1] = sign;
+  }
+  if (exponentAt >= 0) {
+    out[exponentAt] = 'E';
+    out[exponentAt + 1] = exponent < 0 ? '-' : '+';
+    out[exponentAt + 2] = static_cast<char>('0' + std::abs(exponent) / 10);
+    out[exponentAt + 3] = static_cast<char>('0' + std::abs(exponent) % 10);
+  }
+  return true;
+}
+
 }  // namespace
 
 ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values) {
@@ -48,6 +194,10 @@ ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values) {
     }
     // Values left over run the format again, unless a whole pass took none.
     if (!values.Remains() || taken_ == before) break;
+    if (format.RerunsOnNewLine() && !(Fill('\r', 1) && Fill('\n', 1))) {
+      line_.clear();
+      return err::kStringOverflow;
+    }
   }
   static constexpr std::string_view kEndings[] = {"\r\n", "", "\r", "\n"};
   std::string_view ending = kEndings[format.LineEnding()];
@@ -82,11 +232,15 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
         break;
       }
       case FormatItem::kNumeric:
+      case FormatItem::kPicture:
       case FormatItem::kString:
         if (values.Remains()) {
           FieldValue value = values.Take();
           ++taken_;
-          if (item.kind == FormatItem::kNumeric) {
+          if (item.kind == FormatItem::kPicture) {
+            fits = value.isText ? Pad(value.text, 0, item)
+                                : Picture(value.number, item, format.Text(item));
+          } else if (item.kind == FormatItem::kNumeric) {
             fits = value.isText ? Pad(value.text, 0, item) : Numeric(value.number, item);
           } else if (value.isText) {
             fits = Text(value.text, item);
@@ -202,6 +356,15 @@ bool FormatRunner::Numeric(float value, const FormatItem& field) {
   }
   return Pad(std::string_view(buffer, static_cast<size_t>(p - buffer)),
              static_cast<size_t>(decimals - exact), field);
+}
+
+bool FormatRunner::Picture(float value, const FormatItem& field, std::string_view positions) {
+  auto width = static_cast<size_t>(field.width);
+  if (!Room(width)) return false;
+  size_t start = line_.size();
+  line_.append(width, ' ');
+  if (!LayPicture(value, field, positions, &line_[start])) std::fill_n(&line_[start], width, '*');
+  return true;
 }
 
 bool FormatRunner::Text(std::string_view text, const FormatItem& field) {

@@ -57,6 +57,7 @@ class FormatRunner final {
   bool Fill(char c, size_t n);
   bool Pad(std::string_view text, size_t extraZeros, const FormatItem& field);
   bool Numeric(float value, const FormatItem& field);
+  bool Picture(float value, const FormatItem& field, std::string_view positions);
   bool Text(std::string_view text, const FormatItem& field);
   bool Repeat(size_t start, uint32_t times);
 

@@ -179,7 +179,8 @@ bool Handle(const SDL_Event& e, uint32_t requestType) {
     OnWindowEvent(e.window);
   } else if (e.type == SDL_KEYDOWN && e.key.keysym.sym == SDLK_c &&
              (e.key.keysym.mod & KMOD_CTRL)) {
-    g_breakFlag.store(1);  // Ctrl+C in a graphics window breaks as in the console
+    // Ctrl+C in a graphics window breaks as in the console.
+    g_breakFlag.fetch_or(async::kBreak, std::memory_order_relaxed);
   }
   return true;
 }

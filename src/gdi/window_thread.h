@@ -32,6 +32,7 @@ class WindowThread final {
 
  private:
   WindowThread() = default;
+#ifndef __EMSCRIPTEN__  // in a web page the page is the window thread
   void Main();
   void AwaitWake();
 
@@ -42,4 +43,5 @@ class WindowThread final {
   uint32_t eventType_ = 0;  // SDL's number for our requests, set before kUp
   std::string why_;         // set before kFailed
   int wake_[2] = {-1, -1};  // a pipe: Post writes a byte, the idle thread polls for it
+#endif
 };

@@ -125,6 +125,12 @@ constexpr const char* kNotes[] = {
     "",
     "Up and Down recall the lines typed before, in this and earlier sessions.",
     "The manual page basic(1) describes the shell, the editor and the files.",
+#ifdef __EMSCRIPTEN__
+    "",
+    "In this web page your files are kept by the browser; the examples are in",
+    "/examples (GET /examples/rose.bas). Ctrl+C also ends a SLEEP. After BYE,",
+    "Enter starts the interpreter again.",
+#endif
 };
 
 constexpr const char* kFileNames[] = {
@@ -139,6 +145,30 @@ constexpr const char* kFileNames[] = {
     "SAVE and CREATE write the name as typed. ./$X is a file named $X.",
 };
 
+
+// HELP CLASSIC finds this topic before the command's one line: the General group
+// comes later in the tree.
+constexpr const char* kClassic[] = {
+    "CLASSIC ON, or basic --classic, makes old listings run as they did:",
+    "- A$[s]=X leaves A$ exactly s-1+LEN(X) characters long.",
+    "- IMAGE and PRINT USING formats are fields separated by ',': D a digit,",
+    "  3D three, . the point, S the sign (before the first digit printed),",
+    "  X a blank (between digits too: DDXDDD), E at the end an exponent",
+    "  E+dd; 5A or AAAAA a string, cut or padded; 2X blanks; \"text\", /",
+    "  and n(...). A number that does not fit fills its field with *; values",
+    "  left over run the format again on a new line.",
+    "- An argument list or substring closes with either bracket: ABS(Z] is",
+    "  read and listed as ABS(Z).",
+    "- A program file line holding only TAPE or KEY is skipped.",
+    "- NEXT goes on with the latest FOR of its variable that is still",
+    "  active, found while running; a FOR of that variable starts it again;",
+    "  RETURN ends the loops of its subroutine; a NEXT without one stops the",
+    "  run with \"NEXT without matching FOR\".",
+    "Formats and loops follow the switch as the program runs; brackets and",
+    "TAPE lines as lines are read. CLASSIC OFF restores the dialect's rules.",
+};
+
+constexpr HelpText kClassicText{kClassic};
 constexpr HelpText kIdentifiersText{kIdentifiers}, kOperatorsText{kOperators},
     kFormatsText{kFormats}, kNumericsText{kNumerics}, kStringsText{kStrings},
     kConsoleText{kConsole}, kGraphicsText{kGraphics}, kFileNamesText{kFileNames},
@@ -148,6 +178,7 @@ constexpr HelpEntry kGeneralEntries[] = {
     {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormatsText},
     {"Numerics", &kNumericsText},       {"Strings", &kStringsText},     {"Console", &kConsoleText},
     {"Graphics", &kGraphicsText},       {"FileNames", &kFileNamesText}, {"Notes", &kNotesText},
+    {"Classic", &kClassicText},
 };
 
 constexpr HelpGroup kGeneral{kGeneralEntries};

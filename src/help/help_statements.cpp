@@ -120,6 +120,7 @@ constexpr const char* kFor[] = {
     "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",
     "NEXT <numericVar> ends the loop. Step, limit and start are taken",
     "once; a loop whose start is past its limit is skipped.",
+    "With CLASSIC ON a NEXT is matched to its FOR while running.",
 };
 constexpr const char* kGosub[] = {
     "GOSUB <stmtIdentifier>",
@@ -154,6 +155,8 @@ constexpr const char* kImage[] = {
     "precision means none. A first #, + or - ends the line without",
     "a new line, with a carriage return, or with a line feed.",
     "Errors in a format are reported when PRINT USING runs it.",
+    "With CLASSIC ON formats are classic: 3D.2D, S5D, DDXDDD, D.DDE, 5A, 2X",
+    "and literals, separated by ',' (see HELP CLASSIC).",
 };
 constexpr const char* kInput[] = {
     "INPUT [\"prompt\",]<variable>[,<variableList>]",
@@ -242,6 +245,16 @@ constexpr const char* kPurge[] = {
     "<returnVar> gets 0 deleted, 1 no such file, 2 not a data file (kept;",
     "an empty file is deleted), 3 cannot be deleted, 4 open in this program.",
 };
+constexpr const char* kRandomize[] = {
+    "RANDOMIZE - Seed RND from the clock.",
+    "RANDOMIZE <numericExp> - Seed RND from the value: the same value",
+    "repeats the same numbers. RANDOM is the same statement. Each RUN seeds",
+    "from the clock; a program started by CHAIN goes on with its caller's",
+    "numbers. RANDOM=5 and the like stay assignments.",
+};
+constexpr const char* kRandom[] = {
+    "RANDOM [<numericExp>] - The older spelling of RANDOMIZE.",
+};
 constexpr const char* kRead[] = {
     "READ [<readList>]",
     "<readList> ::= <variable>[,<variableList>]",
@@ -279,11 +292,22 @@ constexpr const char* kSpawn[] = {
     KEPT_AS_TEXT("SPAWN"),
     "CHAIN runs another program in this one's place.",
 };
-constexpr HelpLine kStop{"STOP - Stop program"};
+constexpr const char* kStop[] = {
+    "STOP - Stop program",
+    "CONTINUE (CONT) goes on after it, the variables as they were.",
+};
 constexpr const char* kSystem[] = {
     KEPT_AS_TEXT("SYSTEM"),
     "END or STOP ends a program; BYE leaves the shell.",
 };
+constexpr const char* kTrace[] = {
+    "TRACE ON - Show each statement's number, as [n], before it runs.",
+    "TRACE OFF - Stop showing them.",
+    "The numbers go where PRINT writes. The shell's TRACE ON and TRACE OFF",
+    "do the same between runs.",
+};
+constexpr HelpLine kTron{"TRON - Same as TRACE ON."};
+constexpr HelpLine kTroff{"TROFF - Same as TRACE OFF."};
 constexpr HelpLine kUnlock{"UNLOCK #<fileNumber> - Let go of the data file's lock (HELP LOCK)."};
 constexpr const char* kUntil[] = {
     "UNTIL <numericExp> - End of REPEAT/UNTIL clause.",
@@ -315,9 +339,10 @@ constexpr HelpText kAssignText{kAssign}, kCaseText{kCase}, kChainText{kChain}, k
     kGosubText{kGosub}, kGotoText{kGoto}, kHideText{kHide}, kIfText{kIf}, kImageText{kImage},
     kInputText{kInput}, kLetText{kLet}, kLineToText{kLineTo}, kLinputText{kLinput}, kMatText{kMat},
     kMoveToText{kMoveTo}, kNextText{kNext}, kOffText{kOff}, kOnText{kOn}, kPrintText{kPrint},
-    kReadText{kRead}, kRemText{kRem}, kRestoreText{kRestore}, kShowText{kShow}, kSleepText{kSleep},
-    kSelectText{kSelect}, kUntilText{kUntil}, kUpdateText{kUpdate}, kWhileText{kWhile},
-    kWindowText{kWindow};
+    kSeeding{kRandomize}, kRandomText{kRandom}, kReadText{kRead}, kRemText{kRem},
+    kRestoreText{kRestore}, kShowText{kShow}, kSleepText{kSleep}, kSelectText{kSelect},
+    kStopText{kStop}, kTraceText{kTrace}, kUntilText{kUntil}, kUpdateText{kUpdate},
+    kWhileText{kWhile}, kWindowText{kWindow};
 
 constexpr HelpEntry kStatementEntries[] = {
     {"ASSIGN", &kAssignText},   {"ADVANCE", &kAdvanceText}, {"CASE", &kCaseText},
@@ -333,12 +358,13 @@ constexpr HelpEntry kStatementEntries[] = {
     {"LINPUT", &kLinputText},   {"MAT", &kMatText},         {"MOVETO", &kMoveToText},
     {"NEXT", &kNextText},       {"OFF", &kOffText},         {"ON", &kOnText},
     {"OPEN", &kOpenText},       {"PRINT", &kPrintText},     {"PURGE", &kPurgeText},
-    {"READ", &kReadText},       {"REM", &kRemText},         {"REPEAT", &kRepeat},
-    {"RESTORE", &kRestoreText}, {"RETURN", &kReturn},       {"SHOW", &kShowText},
-    {"SLEEP", &kSleepText},     {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},
-    {"STOP", &kStop},           {"SYSTEM", &kSystemText},   {"UNLOCK", &kUnlock},
-    {"UNTIL", &kUntilText},     {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},
-    {"WINDOW", &kWindowText},
+    {"RANDOM", &kRandomText},   {"RANDOMIZE", &kSeeding},   {"READ", &kReadText},
+    {"REM", &kRemText},         {"REPEAT", &kRepeat},       {"RESTORE", &kRestoreText},
+    {"RETURN", &kReturn},       {"SHOW", &kShowText},       {"SLEEP", &kSleepText},
+    {"SELECT", &kSelectText},   {"SPAWN", &kSpawnText},     {"STOP", &kStopText},
+    {"SYSTEM", &kSystemText},   {"TRACE", &kTraceText},     {"TROFF", &kTroff},
+    {"TRON", &kTron},           {"UNLOCK", &kUnlock},       {"UNTIL", &kUntilText},
+    {"UPDATE", &kUpdateText},   {"WHILE", &kWhileText},     {"WINDOW", &kWindowText},
 };
 
 constexpr HelpGroup kStatements{kStatementEntries};

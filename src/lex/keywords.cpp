@@ -62,6 +62,15 @@ constexpr KeywordRow kStatements[] = {
     {"MOVETO", tok::kMoveTo},
     {"LINETO", tok::kLineTo},
     {"COLOR", tok::kColor},
+    {"TRACE", tok::kTrace},
+    {"TRON", tok::kTron},
+    {"TROFF", tok::kTroff},
+};
+
+// Keywords only where a statement starts; RANDOM is the older spelling.
+constexpr KeywordRow kStatementWords[] = {
+    {"RANDOMIZE", tok::kRandomize},
+    {"RANDOM", tok::kRandomize},
 };
 
 constexpr KeywordRow kSecondary[] = {
@@ -94,12 +103,15 @@ constexpr KeywordRow kOperators[] = {
 
 struct KeywordTable {
   std::vector<std::unique_ptr<BasicToken>> buckets[kOtherBucket + 1];
+  std::vector<std::unique_ptr<BasicToken>> statementWords;
 
   KeywordTable() {
     for (const auto& row : kStatements) Add(row);
     for (const auto& row : kSecondary) Add(row);
     for (const auto& row : kFunctions) Add(row);
     for (const auto& row : kOperators) Add(row);
+    for (const auto& row : kStatementWords)
+      statementWords.push_back(std::make_unique<BasicToken>(row));
   }
   void Add(const KeywordRow& row) {
     buckets[BucketOf(row.name)].push_back(std::make_unique<BasicToken>(row));
@@ -135,6 +147,12 @@ const BasicToken* FindKeyword(std::string_view word) {
   return nullptr;
 }
 
+const BasicToken* FindStatementWord(std::string_view word) {
+  for (const auto& entry : Table().statementWords)
+    if (SameName(entry->Name(), word)) return entry.get();
+  return nullptr;
+}
+
 const char* KeywordName(TokenCode code) {
   for (const auto& bucket : Table().buckets)
     for (const auto& entry : bucket)
@@ -146,5 +164,6 @@ std::vector<const BasicToken*> AllKeywords() {
   std::vector<const BasicToken*> all;
   for (const auto& bucket : Table().buckets)
     for (const auto& entry : bucket) all.push_back(entry.get());
+  for (const auto& entry : Table().statementWords) all.push_back(entry.get());
   return all;
 }

@@ -38,7 +38,10 @@ bool SameName(std::string_view a, std::string_view b);
 
 // The keyword entry spelled like word, or null. Built on first use.
 const BasicToken* FindKeyword(std::string_view word);
+// A statement keyword that is a name everywhere but at a statement's start
+// (RANDOMIZE, RANDOM), or null: old programs use such words as variables.
+const BasicToken* FindStatementWord(std::string_view word);
 // The keyword entry of a code (the first row with it), or null; used for listing.
 const char* KeywordName(TokenCode code);
-// Every keyword entry, bucket by bucket (for the help tests).
+// Every keyword entry, bucket by bucket, then the statement words (for the help tests).
 std::vector<const BasicToken*> AllKeywords();

@@ -73,7 +73,10 @@ constexpr TokenCode kLet = 0xF00A, kIf = 0xF00B, kGoto = 0xF00C, kGosub = 0xF00D
                     kEndIf = 0xF034, kWhile = 0xF035, kEndWhile = 0xF036, kRepeat = 0xF037,
                     kUntil = 0xF038, kSelect = 0xF039, kCase = 0xF03A, kEndSelect = 0xF03B,
                     kSleep = 0xF03C, kWindow = 0xF03D, kShow = 0xF03E, kHide = 0xF03F,
-                    kMoveTo = 0xF040, kLineTo = 0xF041, kColor = 0xF042;
+                    kMoveTo = 0xF040, kLineTo = 0xF041, kColor = 0xF042, kTrace = 0xF045,
+                    kTron = 0xF046, kTroff = 0xF047;
+// RANDOMIZE and RANDOM: keywords only where a statement starts (keywords.h).
+constexpr TokenCode kRandomize = 0xF044;
 // Codes of the statements that have no keyword of their own.
 constexpr TokenCode kLabelStmt = 0x1B, kEndMarkStmt = 0x1C, kBlankLineStmt = 0x20,
                     kBadLineStmt = 0xF043;

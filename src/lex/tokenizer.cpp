@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/dialect.h"
 #include "lex/parse_attempt.h"
 
 namespace {
@@ -371,6 +372,24 @@ bool Tokenizer::AcceptOpen() {
 bool Tokenizer::AcceptClose() {
   TokenCode code = GetToken();
   if (code == tok::kRParen || code == tok::kRBracket || code == tok::kRBrace) return true;
+  BackUp();
+  return false;
+}
+
+bool ClosesList(TokenCode code, TokenCode opener) {
+  if (code == (opener == tok::kLBracket ? tok::kRBracket : tok::kRParen)) return true;
+  return g_classic && (code == tok::kRParen || code == tok::kRBracket);
+}
+
+TokenCode Tokenizer::AcceptOpener() {
+  TokenCode code = GetToken();
+  if (code == tok::kLParen || (g_classic && code == tok::kLBracket)) return code;
+  BackUp();
+  return 0;
+}
+
+bool Tokenizer::AcceptCloser(TokenCode opener) {
+  if (ClosesList(GetToken(), opener)) return true;
   BackUp();
   return false;
 }

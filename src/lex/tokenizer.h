@@ -71,6 +71,11 @@ class Tokenizer : public Scanner {
   bool Accept(TokenCode code);
   bool AcceptOpen();   // "(", "[" or "{"
   bool AcceptClose();  // ")", "]" or "}"
+  // The opener of an argument list: "(", or under the classic switch "[" too;
+  // 0 when neither follows.
+  TokenCode AcceptOpener();
+  // The closer of an argument list or substring opened with opener (ClosesList).
+  bool AcceptCloser(TokenCode opener);
   // A signed numeric constant, hexadecimal or decimal, as a 32-bit value.
   bool AcceptConstant(float* value);
 
@@ -124,6 +129,10 @@ class Tokenizer : public Scanner {
   SymbolTable numFns_{tok::kNumUserFn};
   SymbolTable strFns_{tok::kStrUserFn};
 };
+
+// Whether code closes an argument list or substring opened with opener: its own
+// bracket, or under the classic switch the other one too, as in ABS(Z].
+bool ClosesList(TokenCode code, TokenCode opener);
 
 // Writes a string literal as it is typed: printable runs in double quotes,
 // other characters as 'code ("A"'10"B").

@@ -12,7 +12,8 @@
 namespace {
 
 bool SameBounds(const ArrayShape& a, const ArrayShape& b) {
-  return std::ranges::equal(a.dims.Bounds(), b.dims.Bounds());
+  std::span<const uint32_t> x = a.dims.Bounds(), y = b.dims.Bounds();
+  return std::equal(x.begin(), x.end(), y.begin(), y.end());
 }
 
 bool IsMatrix(const ArrayShape& a) { return a.dims.Count() == 2; }

@@ -15,11 +15,21 @@ inline uint64_t g_fuzzBudget = 0;
 // True (and the flag cleared) when a break was requested since the last test;
 // the other events are acted on here.
 inline bool TestAndClearBreak() {
-  unsigned char events = g_breakFlag.exchange(0, std::memory_order_relaxed);
-  if (events & ~async::kBreak) [[unlikely]]
+  unsigned char events = g_breakFlag.fetch_and(async::kTrace, std::memory_order_relaxed);
+  if (events & ~(async::kBreak | async::kTrace)) [[unlikely]]
     HandleAsyncEvents(events);
   return (events & async::kBreak) != 0;
 }
+
+// TRACE ON and OFF. While on, every test of the run loop finds an event, and the
+// loop prints the number of each statement before it runs.
+inline void SetTracing(bool on) {
+  if (on)
+    g_breakFlag.fetch_or(async::kTrace, std::memory_order_relaxed);
+  else
+    g_breakFlag.fetch_and(static_cast<unsigned char>(~async::kTrace), std::memory_order_relaxed);
+}
+inline bool Tracing() { return (g_breakFlag.load(std::memory_order_relaxed) & async::kTrace) != 0; }
 
 // True when any event waits; the run loop's one test per statement.
 inline bool BreakPending() {

@@ -344,14 +344,21 @@ int TempFile::ReplaceTarget() {
 int TempFile::LinkAsTarget() {
   int folder = target_.Folder();
   const char* target = target_.Name().c_str();
+#ifdef RENAME_NOREPLACE
   if (renameat2(folder, name_.c_str(), folder, target, RENAME_NOREPLACE) == 0) {
     name_.clear();
     return 0;
   }
   if (errno != EINVAL && errno != ENOSYS) return errno;
+#endif
   // A file system without that rename: a hard link is made only where none exists.
-  if (linkat(folder, name_.c_str(), folder, target, 0) != 0) return errno;
-  return 0;  // the destructor removes the temporary name
+  if (linkat(folder, name_.c_str(), folder, target, 0) == 0)
+    return 0;  // the destructor removes the temporary name
+  if (errno != EPERM && errno != ENOSYS && errno != EOPNOTSUPP) return errno;
+  // Nor hard links (a browser's files, where one process runs): look, then rename.
+  struct stat st;
+  if (fstatat(folder, target, &st, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+  return ReplaceTarget();
 }
 
 // Temporaries of the same target that no process holds any more, and that are

@@ -27,7 +27,7 @@ class BreakableWait final {
   BreakableWait& operator=(const BreakableWait&) = delete;
 
  private:
-  bool changed_ = false;
+  [[maybe_unused]] bool changed_ = false;  // unused where no signals exist (a web page)
 };
 
 // Standard output is gone (its reader closed it): ends a command-line run.

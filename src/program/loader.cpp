@@ -11,8 +11,10 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/dialect.h"
 #include "console/console.h"
 #include "files/data_file.h"
+#include "lex/keywords.h"
 #include "platform/break_flag.h"
 #include "platform/host_files.h"
 #include "program/program.h"
@@ -113,6 +115,14 @@ std::string_view RestFrom(const std::string& text, size_t offset) {
   return rest;
 }
 
+// TAPE or KEY alone on a line: the paper-tape reader's switches, punched into
+// old listings between their lines.
+bool IsTapeSwitch(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return SameName(text, "TAPE") || SameName(text, "KEY");
+}
+
 }  // namespace
 
 std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, bool report) {
@@ -127,6 +137,7 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
       prog->interpreterLine = text;
       continue;
     }
+    if (g_classic && IsTapeSwitch(text)) continue;
     SetParseError(0);
     std::vector<StatementPtr> line;
     uint32_t number = 0;

@@ -54,6 +54,7 @@ void Program::Append(std::vector<StatementPtr> line) {
   }
   Index(head);
   linksCurrent_ = false;
+  ++edits_;
 }
 
 void Program::InsertTyped(std::vector<StatementPtr> line) {
@@ -76,6 +77,7 @@ void Program::InsertTyped(std::vector<StatementPtr> line) {
   }
   Index(head);
   linksCurrent_ = false;
+  ++edits_;
 }
 
 void Program::Forget(Statement* stmt) {
@@ -97,6 +99,7 @@ void Program::Delete(Statement* stmt) {
   Forget(stmt);
   statements_.Erase(stmt);
   linksCurrent_ = false;
+  ++edits_;
   // DEF statements own what this table points to; the next link rebuilds it.
   functions.clear();
 }
@@ -215,12 +218,24 @@ int Program::ListLine(std::string& out, const Statement* s, int indentWidth, int
   return depth;
 }
 
+std::string Program::LineText(const Statement* head) {
+  std::string text = std::to_string(head->Number());
+  text += ' ';
+  head->List(text);
+  for (const Statement* s = head; s->Followed() && s->Next();) {
+    s = s->Next();
+    text += ' ';
+    s->List(text);
+  }
+  return text;
+}
+
 // Gives numbers to the unnumbered statements of a loaded program, stepping by
 // 10, 5 or less as the gap to the next numbered statement allows; when the gap
 // is too small, the statements after the run move up, their references with them.
-bool Program::NumberUnnumbered() {
+bool Program::NumberUnnumbered(uint32_t after) {
   bool renumbered = false;
-  uint32_t prev = 0;
+  uint32_t prev = after;
   Statement* s = First();
   while (s && s != endMark_) {
     if (s->Hidden()) {
@@ -297,13 +312,29 @@ bool Program::PullBelowLimit() {
   return true;
 }
 
+void Program::Renumber(std::span<const std::pair<Statement*, uint32_t>> lines) {
+  std::vector<std::pair<TargetLabel*, uint32_t>> moves;
+  for (const auto& [head, number] : lines) {
+    if (TargetLabel* target = FindTarget(head->Number())) moves.emplace_back(target, number);
+    Unindex(head);
+  }
+  targets.Renumber(moves);
+  for (const auto& [head, number] : lines) {
+    head->SetNumber(number);
+    Index(head);
+  }
+  linksCurrent_ = false;
+  ++edits_;
+}
+
 // --- Storage and the requests of statements and expressions.
 
 void Program::ClearStorage() {
   variables.Clear();
   run.data = DataReader{};
   files_.CloseAll();
-  run.frame = RunFrame{};
+  run.StartFrame();
+  run.resume = nullptr;  // a new run or a failed link: nothing stopped goes on
   matrix_ = MatrixWork{};
   common.clear();
   chained.reset();

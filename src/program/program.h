@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,9 @@ class Program final : public StmtContext {
   // (successors, block partners) may then name statements that are gone.
   bool LinksCurrent() const { return linksCurrent_; }
   void SetLinksCurrent() { linksCurrent_ = true; }
+  // Counts the changes to the lines: a store, a deletion, a renumbering each
+  // add one, so that a stopped run knows whether the program is still its own.
+  uint64_t Edits() const { return edits_; }
 
   // --- Parsing and listing.
   // Parses the rest of the tokenizer's line (after any statement number) into
@@ -54,12 +58,19 @@ class Program final : public StmtContext {
   // the new block depth. indentWidth 0 indents with tabs.
   int ListLine(std::string& out, const Statement* s, int indentWidth, int depth,
                bool withNumber) const;
+  // One line as plain text, without LIST's columns and indentation: "20 GOTO 95".
+  static std::string LineText(const Statement* head);
 
   // --- Statement references.
   TargetLabel* FindTarget(uint32_t number) const { return targets.Find(number); }
   TargetLabel* FindTarget(std::string_view name) const { return targets.Find(name); }
-  // Numbers the unnumbered statements after a load; true when it had to renumber.
-  bool NumberUnnumbered();
+  // Numbers the unnumbered statements after a load, those before the first
+  // numbered line from after on; true when it had to renumber.
+  bool NumberUnnumbered(uint32_t after = 0);
+  // Gives lines (their first statements) new numbers, and the references to
+  // their old numbers the new ones. The caller keeps the lines in rising order
+  // and clear of the numbers that references to missing lines hold.
+  void Renumber(std::span<const std::pair<Statement*, uint32_t>> lines);
 
   // --- Storage and run state.
   void ClearStorage();
@@ -86,6 +97,7 @@ class Program final : public StmtContext {
   std::map<uint32_t, Statement*> lines_;  // numbered line heads by number
   int badLines_ = 0;
   bool linksCurrent_ = false;
+  uint64_t edits_ = 0;
   bool PullBelowLimit();
   void Index(Statement* head);
   void Unindex(Statement* head);

@@ -7,6 +7,7 @@
 #include "expr/random.h"
 #include "gdi/gdi.h"
 #include "platform/break_flag.h"
+#include "platform/host_notice.h"
 #include "program/program.h"
 
 namespace {
@@ -57,7 +58,6 @@ ErrorCode LinkPasses(Program& prog) {
   for (Reference* r = prog.References().First(); r; r = r->Next())
     if (ErrorCode code = r->Link(prog)) return FailAt(code, r->owner);
 
-  ReseedRandom();
   prog.SetLinksCurrent();
   return 0;
 }
@@ -89,51 +89,75 @@ void BindTargets(Program& prog) {
   }
 }
 
-ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram, TheConsole()); }
+namespace {
 
-ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
+// TRACE: "[10]" before statement 10 runs, on the console PRINT writes to.
+void Trace(Console& con, const Statement* s) {
+  if (s->Code() == tok::kEndMarkStmt) return;
+  char text[16];
+  snprintf(text, sizeof text, "[%u]", s->Number());
+  con.Print(text);
+}
+
+// Runs from s until the run ends. Only a run of the shell's own program that
+// STOP or a break halted can go on later; it then keeps its files open.
+ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
   TestAndClearBreak();
+  NoteRunning(true);
   Program* prog = &first;
   std::unique_ptr<Program> owned;  // a program CHAIN brought in: the run owns it
   RunState* run = &prog->run;
-  run->frame = RunFrame{};
   run->console = &con;
-  Statement* s = prog->First();
-  if (!s->IsExecutable()) s = s->NextExecutable();
   run->current = s;
+  run->resume = nullptr;
+  Statement* resume = nullptr;
   const char* fileName = !keepsProgram && !prog->Name().empty() ? prog->Name().c_str() : nullptr;
+  if (Tracing()) Trace(con, s);
 
   try {
     for (;;) {
       Statement* next = s->Execute();
       if (g_err.run == 0) [[likely]] {
-        if (!BreakPending() || !TestAndClearBreak()) [[likely]] {
-          if (next) {
-            s = next;
-          } else if (prog->chained) {
-            // CHAIN: the program left keeps no files; a chained one goes away.
-            std::unique_ptr<Program> incoming = std::move(prog->chained);
-            if (ErrorCode code = run->files->CloseAll()) {
-              // The caller's text could not be written: the run stops at its CHAIN.
-              Raise(code, s->Location());
-              SetErrorFile(fileName);
-              break;
-            }
-            s = prog->chainStart;
-            owned = std::move(incoming);
-            prog = owned.get();
-            run = &prog->run;
-            run->frame = RunFrame{};
-            run->console = &con;
-            run->current = s;
-            fileName = prog->Name().c_str();
-          }
+        if (!BreakPending() && next) [[likely]] {
+          s = next;
           continue;
         }
-        SetErrorFile(fileName);
-        Raise(err::kBreak, s->Location());
-        break;
+        // Rare: an event waits (a break, a flush, TRACE), or the statement named no
+        // successor (CHAIN's hand-over, or the statement runs again).
+        if (TestAndClearBreak()) {
+          SetErrorFile(fileName);
+          Raise(err::kBreak, s->Location());
+          resume = next ? next : s;
+          break;
+        }
+        if (next) {
+          s = next;
+        } else if (prog->chained) {
+          // CHAIN: the program left keeps no files; a chained one goes away.
+          std::unique_ptr<Program> incoming = std::move(prog->chained);
+          if (ErrorCode code = run->files->CloseAll()) {
+            // The caller's text could not be written: the run stops at its CHAIN.
+            Raise(code, s->Location());
+            SetErrorFile(fileName);
+            break;
+          }
+          s = prog->chainStart;
+          owned = std::move(incoming);
+          prog = owned.get();
+          run = &prog->run;
+          run->StartFrame();
+          run->console = &con;
+          run->current = s;
+          fileName = prog->Name().c_str();
+        }
+        if (Tracing()) Trace(con, s);
+        continue;
       }
+      // A STOP goes on after itself; a statement that a break cut short runs again.
+      if (g_err.run == err::kStop && s != prog->EndMark())
+        resume = next;
+      else if (g_err.run == err::kBreak)
+        resume = s;
       run->frame.failLocation = s->Location();
       // A statement that names the file itself (a CHAIN whose program fails to link) keeps it.
       if (g_err.file.empty()) SetErrorFile(fileName);
@@ -147,12 +171,16 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
     Raise(err::kNoMemory, s->Location());
     prog->calls.Unwind();  // calls left mid-way
     prog->chained.reset();
+    resume = nullptr;
   }
   run->current = s;
-  // Text the run wrote and could not write out is an error of its last statement.
-  ErrorCode unwritten = run->files->CloseAll();
-  if (unwritten && (!g_err.run || g_err.run == err::kStop || g_err.run == err::kEnd))
-    Raise(unwritten, s->Location());
+  if (keepsProgram && prog == &first && resume) {
+    first.run.resume = resume;
+    FlushFiles();  // what the run wrote is in its files while it waits
+  } else if (ErrorCode unwritten = run->files->CloseAll()) {
+    // Text the run wrote and could not write out is an error of its last statement.
+    if (!g_err.run || g_err.run == err::kStop || g_err.run == err::kEnd) Raise(unwritten, s->Location());
+  }
   prog->chained.reset();  // a CHAIN that a break overtook
   con.RestoreDefaults();
   ErrorCode code = g_err.run;
@@ -164,8 +192,23 @@ ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
   }
   // The error's file name is a copy; the chained program may go now.
   owned.reset();
+  NoteRunning(false);
   return code;
 }
+
+}  // namespace
+
+ErrorCode Run(Program& prog, bool keepsProgram) { return Run(prog, keepsProgram, TheConsole()); }
+
+ErrorCode Run(Program& first, bool keepsProgram, Console& con) {
+  first.run.StartFrame();
+  SeedRandomFromClock();  // not at CHAIN or CONTINUE: the sequence goes on
+  Statement* s = first.First();
+  if (!s->IsExecutable()) s = s->NextExecutable();
+  return Drive(first, keepsProgram, con, s);
+}
+
+ErrorCode Continue(Program& prog, Console& con) { return Drive(prog, true, con, prog.run.resume); }
 
 void ReportRunError(bool statementWording) {
   Console& con = TheConsole();

@@ -17,6 +17,9 @@ void BindTargets(Program& prog);
 // then name the file.
 ErrorCode Run(Program& prog, bool keepsProgram, Console& con);
 ErrorCode Run(Program& prog, bool keepsProgram);
+// Goes on with a shell run that STOP or a break halted (prog.run.resume set),
+// with its variables, loops, GOSUB returns and files as they were.
+ErrorCode Continue(Program& prog, Console& con);
 
 // Prints the current run-time error as one line; statementWording selects
 // "statement number" (command-line runs) over "line" (the shell's RUN).

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "files/file_parsers.h"
+#include "lex/keywords.h"
 #include "matrix/mat.h"
 #include "stmt/parsers.h"
 #include "stmt/stmt_context.h"
@@ -69,6 +70,10 @@ constexpr KeywordStmtRow kStatementTable[] = {
     {tok::kMoveTo, ParseMoveTo, 0},
     {tok::kLineTo, ParseLineTo, 0},
     {tok::kColor, ParseColor, 0},
+    {tok::kRandomize, ParseRandomize, 0},
+    {tok::kTrace, ParseTrace, 0},
+    {tok::kTron, ParseTron, 0},
+    {tok::kTroff, ParseTroff, 0},
 };
 
 // A data-file form: the keyword, and the word after it when there is one,
@@ -91,6 +96,16 @@ constexpr FileFormRow kFileForms[] = {
     {tok::kIf, tok::kEnd, ParseOnEndFile},
     {tok::kOff, tok::kEnd, ParseOffEndFile},
 };
+
+// A statement word (RANDOMIZE) at the statement's start, consumed; else 0.
+TokenCode AcceptStatementWord(StmtContext& p) {
+  TokenCode code = p.GetToken();
+  TokenCode lexClass = p.Current().lexClass;
+  if ((lexClass == tok::kWord || lexClass == tok::kWordBracket) && code >= tok::kFirstCoded)
+    if (const BasicToken* word = FindStatementWord(p.Text())) return word->Code();
+  p.BackUp();
+  return 0;
+}
 
 std::nullptr_t RefuseAfterThen() {
   if (!g_err.parse) SetParseError(err::kNotAfterThen);
@@ -116,8 +131,13 @@ StatementPtr ParseStatement(StmtContext& p) {
     p.BackUp();
     if (StatementPtr go = ParseClassicGo(p)) return go;
     if (StatementPtr let = ParseImpliedLet(p)) return let;
-    // A word that fails as an assignment and begins with REM is a remark.
     ErrorCode error = g_err.parse;
+    // A statement word that does not read as an assignment is its statement.
+    if (TokenCode word = AcceptStatementWord(p)) {
+      SetParseError(0);
+      return ParseKeywordStatement(p, word);
+    }
+    // A word that fails as an assignment and begins with REM is a remark.
     if (StatementPtr remark = ParseRemWord(p)) {
       SetParseError(0);
       return remark;

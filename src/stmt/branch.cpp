@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/convert.h"
+#include "base/dialect.h"
 #include "lex/parse_attempt.h"
 #include "stmt/jump_list.h"
 #include "stmt/parsers.h"
@@ -35,6 +36,9 @@ class GoToLineStmt final : public Statement {
     out += "GOTO ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
     successor_ = target_.Landing();
@@ -55,6 +59,9 @@ class GoSubLineStmt final : public Statement {
     out += "GOSUB ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
     landing_ = target_.Landing();
@@ -74,14 +81,24 @@ class ReturnStmt final : public Statement {
     RunFrame& frame = prog_.run.frame;
     if (frame.depth == 0) return Fail(err::kReturnWithoutGosub);
     Statement* back = frame.returns[--frame.depth];
+    if (classic_) [[unlikely]]
+      EndLoops();
     return back ? back : successor_;
   }
   TokenCode Code() const override { return tok::kReturn; }
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { out += "RETURN"; }
+  ErrorCode Resolve(StmtContext&) override {
+    classic_ = g_classic;
+    return 0;
+  }
 
  private:
+  // Out of line, so that a RETURN without the switch costs one test more.
+  [[gnu::noinline]] void EndLoops() { prog_.run.EndLoopsAbove(prog_.run.frame.depth); }
+
   StmtContext& prog_;
+  bool classic_ = false;  // ends the FOR loops of its level, as the last link found the switch
 };
 
 // Selector, targets and optional ELSE target of a computed jump.
@@ -119,6 +136,10 @@ class JumpListStmt : public Statement {
       out += " ELSE ";
       else_.List(out);
     }
+  }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    for (const TargetRef& target : targets_) out.push_back(target.get());
+    if (else_) out.push_back(else_.get());
   }
   ErrorCode Resolve(StmtContext&) override {
     for (size_t i = 0; i < targets_.size(); ++i) {

@@ -33,6 +33,12 @@ class ChainStmt final : public Statement {
     return Refuse(code);
   }
   TokenCode Code() const override { return tok::kChain; }
+  ChainStart* LiteralChain(std::string* file) override {
+    if (name_->Kind() != StringExp::kLiteral || !start_.number) return nullptr;
+    StringValue work;
+    *file = name_->Evaluate(work);
+    return &start_;
+  }
   size_t Size() const override {
     return sizeof *this + (status_ ? status_->Size() : 0) + name_->Size() + start_.label.size() +
            work_.Capacity();

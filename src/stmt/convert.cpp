@@ -84,6 +84,9 @@ class ConvertNumberStmt final : public Statement {
       otherwise_.List(out);
     }
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    if (otherwise_) out.push_back(otherwise_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     if (!otherwise_) return 0;
     if (!otherwise_.Named()) return err::kUndefinedTarget;

@@ -169,6 +169,9 @@ class RestoreLineStmt final : public Statement {
     out += "RESTORE ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
 
  private:
@@ -189,6 +192,9 @@ class OnEndDataStmt final : public Statement {
   void List(std::string& out) const override {
     out += "ON END THEN ";
     target_.List(out);
+  }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
   }
   ErrorCode Resolve(StmtContext&) override { return target_.Named() ? 0 : err::kUndefinedTarget; }
 

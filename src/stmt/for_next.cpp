@@ -1,4 +1,6 @@
-// FOR and NEXT: counted loops, linked once and run without a loop stack.
+// FOR and NEXT: counted loops, linked once and run without a loop stack; under
+// the classic switch, matched while running, as old systems did.
+#include "base/dialect.h"
 #include "lex/parse_attempt.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
@@ -8,10 +10,17 @@ namespace {
 
 class ForStmt;
 
-// NEXT <var>: closes the FOR of the same variable.
+// A zero step counts as ascending.
+bool InRange(float value, float limit, float step) {
+  return step >= 0.0f ? limit >= value : value >= limit;
+}
+
+// NEXT <var>: closes the FOR of the same variable. Under the classic switch it
+// continues the most recent active loop of its variable, found while running.
 class NextStmt final : public Statement {
  public:
-  explicit NextStmt(std::unique_ptr<NumericSimpleVar> var) : var_(std::move(var)) {}
+  NextStmt(RunState& run, std::unique_ptr<NumericSimpleVar> var)
+      : run_(run), var_(std::move(var)) {}
   Statement* Execute() override;
   TokenCode Code() const override { return tok::kNext; }
   size_t Size() const override { return sizeof *this + var_->Size(); }
@@ -24,23 +33,30 @@ class NextStmt final : public Statement {
   bool IsBlock() const override { return true; }
   ErrorCode Resolve(StmtContext&) override {
     for_ = nullptr;
+    classic_ = g_classic;
     return 0;
   }
-  ErrorCode Check(StmtContext&) override { return for_ ? 0 : err::kNextWithoutFor; }
+  ErrorCode Check(StmtContext&) override { return for_ || classic_ ? 0 : err::kNextWithoutFor; }
   SearchAnswer Answer(Search search, Statement* asker) override;
   const VarToken* Variable() const { return var_->Name(); }
   void Bind(ForStmt* loop) { for_ = loop; }
 
  private:
+  // Out of line, so that the linked loop's NEXT stays a few instructions.
+  [[gnu::noinline]] Statement* ExecuteClassic();
+
+  RunState& run_;
   std::unique_ptr<NumericSimpleVar> var_;  // as written; the loop runs on the FOR's
   ForStmt* for_ = nullptr;
+  bool classic_ = false;  // matched while running: the switch as the last link found it
 };
 
 class ForStmt final : public BlockOpener {
  public:
-  ForStmt(std::unique_ptr<NumericSimpleVar> var, NumericExpPtr initial, NumericExpPtr limit,
-          NumericExpPtr step)
-      : var_(std::move(var)),
+  ForStmt(RunState& run, std::unique_ptr<NumericSimpleVar> var, NumericExpPtr initial,
+          NumericExpPtr limit, NumericExpPtr step)
+      : run_(run),
+        var_(std::move(var)),
         initial_(std::move(initial)),
         limit_(std::move(limit)),
         step_(std::move(step)) {}
@@ -52,9 +68,10 @@ class ForStmt final : public BlockOpener {
     float initial = initial_->Evaluate();
     if (g_err.run) return successor_;
     var_->Assign(initial);
+    if (classic_) return StartClassic(initial, limit, step);
     step_value_ = step;
     limit_value_ = limit;
-    active_ = InRange(initial);
+    active_ = InRange(initial, limit, step);
     return active_ ? successor_ : next_->Successor();
   }
   TokenCode Code() const override { return tok::kFor; }
@@ -81,6 +98,8 @@ class ForStmt final : public BlockOpener {
   }
   ErrorCode Resolve(StmtContext& prog) override {
     active_ = false;  // a loop left by a previous run is not resumed by a jump
+    classic_ = g_classic;
+    skip_ = nullptr;
     return BlockOpener::Resolve(prog);
   }
   SearchAnswer Answer(Search search, Statement* asker) override {
@@ -96,12 +115,15 @@ class ForStmt final : public BlockOpener {
     if (!active_) return nullptr;
     var_->Add(step_value_);
     float value = var_->Evaluate();
-    active_ = InRange(value);
+    active_ = InRange(value, limit_value_, step_value_);
     return active_ ? successor_ : nullptr;
   }
 
  protected:
+  // Under the classic switch no NEXT is bound: the FOR is a block of its own,
+  // which other blocks' searches pass over.
   Statement* FindCloser() override {
+    if (classic_) return this;
     Statement* found = SearchAfter(Search::kNext, this);
     if (!found) return nullptr;
     next_ = static_cast<NextStmt*>(found);
@@ -112,22 +134,72 @@ class ForStmt final : public BlockOpener {
   ErrorCode UnmatchedCode() const override { return err::kForWithoutNext; }
 
  private:
-  // A zero step counts as ascending.
-  bool InRange(float value) const {
-    return step_value_ >= 0.0f ? limit_value_ >= value : value >= limit_value_;
+  // A FOR of a variable that has an active loop at this GOSUB level replaces
+  // that loop and the loops opened after it.
+  Statement* StartClassic(float initial, float limit, float step) {
+    std::vector<ActiveLoop>& loops = run_.loops;
+    uint32_t depth = run_.frame.depth;
+    for (size_t i = loops.size(); i > 0 && loops[i - 1].depth == depth; --i) {
+      if (loops[i - 1].var == Variable()) {
+        loops.erase(loops.begin() + static_cast<ptrdiff_t>(i - 1), loops.end());
+        break;
+      }
+    }
+    if (InRange(initial, limit, step)) {
+      loops.push_back({Variable(), successor_, limit, step, depth});
+      return successor_;
+    }
+    // A loop that runs no pass goes on after the first NEXT of its variable.
+    if (!skip_) {
+      for (Statement* s = Next(); s && !skip_; s = s->Next())
+        if (auto* next = dynamic_cast<NextStmt*>(s); next && next->Variable() == Variable())
+          skip_ = next;
+      if (!skip_) return Fail(err::kForWithoutNext);
+    }
+    return skip_->Successor();
   }
 
+  RunState& run_;
   std::unique_ptr<NumericSimpleVar> var_;
   NumericExpPtr initial_, limit_, step_;  // step_ may be null
   NextStmt* next_ = nullptr;
+  Statement* skip_ = nullptr;  // classic: the NEXT a loop without a pass skips past
   float limit_value_ = 0.0f;
   float step_value_ = 1.0f;
   bool active_ = false;
+  bool classic_ = false;
 };
 
 Statement* NextStmt::Execute() {
+  if (classic_) return ExecuteClassic();
   Statement* body = for_->Iterate();
   return body ? body : successor_;
+}
+
+// Ends the loops opened after the most recent one of var at depth, which is
+// left last; false when there is none.
+[[gnu::noinline]] bool UnwindTo(std::vector<ActiveLoop>& loops, const VarToken* var,
+                                uint32_t depth) {
+  size_t i = loops.size();
+  while (i > 0 && loops[i - 1].depth == depth && loops[i - 1].var != var) --i;
+  if (i == 0 || loops[i - 1].depth != depth) return false;
+  loops.erase(loops.begin() + static_cast<ptrdiff_t>(i), loops.end());
+  return true;
+}
+
+// The most recent active loop of this variable at this GOSUB level goes on;
+// the loops opened after it end. Mostly it is the innermost one.
+Statement* NextStmt::ExecuteClassic() {
+  std::vector<ActiveLoop>& loops = run_.loops;
+  uint32_t depth = run_.frame.depth;
+  const VarToken* var = Variable();
+  if (loops.empty() || loops.back().var != var || loops.back().depth != depth) [[unlikely]]
+    if (!UnwindTo(loops, var, depth)) return Fail(err::kNextWithoutFor);
+  const ActiveLoop& loop = loops.back();
+  var_->Add(loop.step);
+  if (InRange(var_->Evaluate(), loop.limit, loop.step)) return loop.body;
+  loops.pop_back();
+  return successor_;
 }
 
 void NextStmt::Dump(std::string& out) const {
@@ -137,6 +209,7 @@ void NextStmt::Dump(std::string& out) const {
 }
 
 SearchAnswer NextStmt::Answer(Search search, Statement* asker) {
+  if (classic_) return {SearchAnswer::kPass};
   if (search == Search::kNext && static_cast<ForStmt*>(asker)->Variable() != Variable())
     return FailSearch(err::kNotSameForVar, Location());
   return AnswerAs(Closer::kNextFor, search, this);
@@ -177,7 +250,7 @@ StatementPtr ParseFor(StmtContext& p) {
   if (!limit) return attempt.Fail();
   NumericExpPtr step;
   if (p.Accept(tok::kStep) && !(step = ParseOperand(p))) return attempt.Fail();
-  return std::make_unique<ForStmt>(std::move(var), std::move(initial), std::move(limit),
+  return std::make_unique<ForStmt>(p.run, std::move(var), std::move(initial), std::move(limit),
                                    std::move(step));
 }
 
@@ -186,5 +259,5 @@ StatementPtr ParseNext(StmtContext& p) {
   if (next == tok::kEndOfLine || next == tok::kComment) return MakeNextWhile(false);
   std::unique_ptr<NumericSimpleVar> var = ParseLoopVar(p);
   if (!var) return nullptr;
-  return std::make_unique<NextStmt>(std::move(var));
+  return std::make_unique<NextStmt>(p.run, std::move(var));
 }

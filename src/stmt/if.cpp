@@ -137,6 +137,9 @@ class IfStmtLabel final : public Statement {
     out += " THEN ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   bool IsBlock() const override { return true; }
   ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return err::kUndefinedTarget;
@@ -175,6 +178,8 @@ class IfStmtStmt final : public Statement {
     then_->SetSuccessor(next);
   }
   ErrorCode Resolve(StmtContext& prog) override { return then_->Resolve(prog); }
+  void Targets(std::vector<const TargetLabel*>& out) const override { then_->Targets(out); }
+  ChainStart* LiteralChain(std::string* file) override { return then_->LiteralChain(file); }
   ErrorCode Check(StmtContext& prog) override { return then_->Check(prog); }
 
  private:

@@ -17,6 +17,9 @@ class OnErrorStmt final : public Statement {
     out += "ON ERROR THEN ";
     target_.List(out);
   }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     if (!target_.Named()) return Raise(err::kUndefinedTarget, Location());
     landing_ = target_.Landing();

@@ -37,15 +37,19 @@ StatementPtr ParseRead(StmtContext& p);
 StatementPtr ParseStop(StmtContext& p);  // end_stop.cpp
 StatementPtr ParseEnd(StmtContext& p);
 StatementPtr ParseSleep(StmtContext& p);
-StatementPtr ParseRem(StmtContext& p);      // simple_stmts.cpp
-StatementPtr ParseDim(StmtContext& p);      // dim.cpp
-StatementPtr ParseCom(StmtContext& p);      // dim.cpp
-StatementPtr ParseChain(StmtContext& p);    // chain.cpp
-StatementPtr ParseDef(StmtContext& p);      // def.cpp
-StatementPtr ParseInput(StmtContext& p);    // input.cpp
-StatementPtr ParseLinput(StmtContext& p);   // linput.cpp
-StatementPtr ParseConvert(StmtContext& p);  // convert.cpp
-StatementPtr ParseEnter(StmtContext& p);    // enter.cpp
+StatementPtr ParseRem(StmtContext& p);        // simple_stmts.cpp
+StatementPtr ParseDim(StmtContext& p);        // dim.cpp
+StatementPtr ParseCom(StmtContext& p);        // dim.cpp
+StatementPtr ParseChain(StmtContext& p);      // chain.cpp
+StatementPtr ParseDef(StmtContext& p);        // def.cpp
+StatementPtr ParseInput(StmtContext& p);      // input.cpp
+StatementPtr ParseLinput(StmtContext& p);     // linput.cpp
+StatementPtr ParseConvert(StmtContext& p);    // convert.cpp
+StatementPtr ParseEnter(StmtContext& p);      // enter.cpp
+StatementPtr ParseRandomize(StmtContext& p);  // randomize.cpp: RANDOMIZE or RANDOM
+StatementPtr ParseTrace(StmtContext& p);      // trace.cpp: TRACE ON, TRACE OFF
+StatementPtr ParseTron(StmtContext& p);
+StatementPtr ParseTroff(StmtContext& p);
 
 // graphics.cpp: the eight statements written with "@" and a GDI number.
 StatementPtr ParseWindow(StmtContext& p);

@@ -1,5 +1,6 @@
 // IMAGE and PRINT USING: a format named by statement number or label, or
 // given by a string expression, and the values it lays out.
+#include "base/dialect.h"
 #include "console/console.h"
 #include "format/using_list.h"
 #include "stmt/parsers.h"
@@ -7,10 +8,16 @@
 
 namespace {
 
-// The format text, kept as typed and read once into its items.
+// Formats are read in the grammar the classic switch chooses.
+ImageFormat::Grammar SwitchGrammar() {
+  return g_classic ? ImageFormat::kClassic : ImageFormat::kOwn;
+}
+
+// The format text, kept as typed and read into its items; read again when a
+// run links it after the classic switch changed.
 class ImageStmt final : public Statement {
  public:
-  explicit ImageStmt(std::string_view text) : text_(text), format_(text) {}
+  explicit ImageStmt(std::string_view text) : text_(text), format_(text, SwitchGrammar()) {}
   Statement* Execute() override { return successor_; }
   TokenCode Code() const override { return tok::kImage; }
   size_t Size() const override { return sizeof *this + text_.size() + format_.Size(); }
@@ -19,11 +26,14 @@ class ImageStmt final : public Statement {
     out += text_;
   }
   bool IsExecutable() const override { return false; }
-  const ImageFormat* Image() const override { return &format_; }
+  const ImageFormat* Image() const override {
+    if (format_.ReadAs() != SwitchGrammar()) format_.Compile(text_, SwitchGrammar());
+    return &format_;
+  }
 
  private:
   std::string text_;
-  ImageFormat format_;
+  mutable ImageFormat format_;  // the text's items, as the last link read them
 };
 
 // Where the format comes from.
@@ -33,6 +43,7 @@ class UsingPart {
   virtual size_t Size() const = 0;
   virtual void List(std::string& out) const = 0;
   virtual ErrorCode Resolve(StmtContext&) { return 0; }
+  virtual void Targets(std::vector<const TargetLabel*>&) const {}
   // The format for this execution.
   virtual const ImageFormat& Format() = 0;
 };
@@ -43,6 +54,9 @@ class UsingImagePart final : public UsingPart {
   explicit UsingImagePart(TargetRef target) : target_(std::move(target)) {}
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override { target_.List(out); }
+  void Targets(std::vector<const TargetLabel*>& out) const override {
+    out.push_back(target_.get());
+  }
   ErrorCode Resolve(StmtContext&) override {
     image_ = nullptr;
     const Statement* s = target_.Named();
@@ -68,8 +82,8 @@ class UsingStringPart final : public UsingPart {
   void List(std::string& out) const override { exp_->List(out); }
   const ImageFormat& Format() override {
     std::string_view text = exp_->Evaluate(work_);
-    if (!read_ || text != text_) {
-      format_.Compile(text);
+    if (!read_ || text != text_ || format_.ReadAs() != SwitchGrammar()) {
+      format_.Compile(text, SwitchGrammar());
       // Texts too long to be formats are not kept; each use refuses them again.
       read_ = text.size() <= ImageFormat::kMaxText;
       if (read_) text_.assign(text);
@@ -102,6 +116,7 @@ class PrintConsoleUsingStmt final : public Statement {
     values_.List(out);
   }
   ErrorCode Resolve(StmtContext& prog) override { return part_->Resolve(prog); }
+  void Targets(std::vector<const TargetLabel*>& out) const override { part_->Targets(out); }
 
   // The line is written up to where a format error stopped it; a value that
   // failed (and printed as 0) does not stop it and keeps its own error.

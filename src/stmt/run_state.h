@@ -4,6 +4,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "lex/token.h"
 
@@ -11,6 +12,7 @@ class Console;
 class DataStmt;
 class FileUnits;
 class Statement;
+class VarToken;
 struct MatrixWork;
 
 // One constant of a DATA statement.
@@ -43,13 +45,37 @@ struct RunFrame {
   Statement* returns[kMaxGosub] = {};
 };
 
+// A FOR loop that runs under the classic switch, which matches NEXT to FOR
+// while running (for_next.cpp): one per variable and GOSUB level.
+struct ActiveLoop {
+  const VarToken* var;
+  Statement* body;  // the first statement after the FOR
+  float limit;
+  float step;
+  uint32_t depth;  // the GOSUB level that opened it; its RETURN ends it
+};
+
 struct RunState {
-  DataReader data;               // the DATA position
-  RunFrame frame;                // GOSUB returns
-  Statement* current = nullptr;  // set when a run starts; kept after it ends
-  Console* console = nullptr;    // PRINT and INPUT go here; bound by each run
+  DataReader data;                // the DATA position
+  RunFrame frame;                 // GOSUB returns
+  std::vector<ActiveLoop> loops;  // classic FOR loops, the most recent last
+  Statement* current = nullptr;   // set when a run starts; kept after it ends
+  // Where CONTINUE goes on after a STOP or a break of a shell run; null when the
+  // last run ended otherwise. The stopped run keeps its data files open.
+  Statement* resume = nullptr;
+  Console* console = nullptr;  // PRINT and INPUT go here; bound by each run
   // The program's data files and the work area of MAT products, transposes and
   // inverses: the program owns them, and only files/ and matrix/ look inside.
   FileUnits* files = nullptr;
   MatrixWork* matrix = nullptr;
+
+  // A run starts with no GOSUB return and no loop.
+  void StartFrame() {
+    frame = RunFrame{};
+    loops.clear();
+  }
+  // RETURN to depth ends the classic loops of the level it leaves.
+  void EndLoopsAbove(uint32_t depth) {
+    while (!loops.empty() && loops.back().depth > depth) loops.pop_back();
+  }
 };

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/base_list.h"
 #include "base/errors.h"
@@ -10,6 +11,8 @@
 
 class ImageFormat;
 class StmtContext;
+class TargetLabel;
+struct ChainStart;
 
 // The block searches of the link pass; an opener asks the statements after it.
 // The columns of the answer table in blocks.cpp follow this order.
@@ -76,6 +79,12 @@ class Statement : public BaseNode_T<Statement> {
   virtual bool AcceptsRestore() { return false; }
   // The first DATA statement at or after this one takes the DATA position.
   bool RestoreHere();
+  // The statement references held, so that RENUMBER can name the lines whose
+  // references lead nowhere.
+  virtual void Targets(std::vector<const TargetLabel*>& /*out*/) const {}
+  // A CHAIN to a file named by a literal: its start, which is no reference of
+  // this program unless the file is the program's own; *file gets the name.
+  virtual ChainStart* LiteralChain(std::string* /*file*/) { return nullptr; }
 
   Statement* Successor() const { return successor_; }
   uint32_t Location() const { return location_; }

@@ -21,6 +21,15 @@ class VariableStore final {
   std::unique_ptr<StringScriptData>& StringArray(const VarToken* name);
   void Clear();
   size_t HeapSize() const;
+  // The variables made so far, by ordinal; a slot is null when its name has none.
+  const std::vector<std::unique_ptr<NumericSimpleData>>& NumericSimples() const {
+    return numSimple_;
+  }
+  const std::vector<std::unique_ptr<NumericScriptData>>& NumericArrays() const {
+    return numArrays_;
+  }
+  const std::vector<std::unique_ptr<StringSimpleData>>& StringSimples() const { return strSimple_; }
+  const std::vector<std::unique_ptr<StringScriptData>>& StringArrays() const { return strArrays_; }
 
  private:
   std::vector<std::unique_ptr<NumericSimpleData>> numSimple_;  // by symbol ordinal

@@ -1,36 +1,67 @@
 // The escape interpreter: any bytes drawn on screens of any size keep the cursor
-// and every cell written inside the screen.
+// and every cell written inside the screen. The same effects are also written as
+// the ECMA-48 text the terminal and the web page are sent.
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 
 #include "console/console.h"
 #include "console/console_backend.h"
+#include "console/ecma48_screen.h"
 #include "console/key_source.h"
 
 namespace {
 
+// ECMA-48 text of a screen's effects, dropped as it is drained.
+class TextScreen final : public Ecma48Screen<TextScreen> {
+ public:
+  TextScreen(int cols, int rows) {
+    cols_ = cols;
+    rows_ = rows;
+  }
+
+ private:
+  friend class Ecma48Screen<TextScreen>;
+  void Sync() {}
+  void Pending() {}
+  void Changed(bool) {}
+  void Drain() { n_ = 0; }
+};
+
 // A screen buffer that refuses to be written outside itself.
 class CheckedScreen final : public ConsoleBackend {
  public:
-  CheckedScreen(int cols, int rows) : cols_(cols), rows_(rows), screen_(cols, rows) {}
+  CheckedScreen(int cols, int rows)
+      : cols_(cols), rows_(rows), screen_(cols, rows), text_(cols, rows) {}
   void Size(int* cols, int* rows) override { screen_.Size(cols, rows); }
   void Draw(int x, int y, char c, uint16_t attr) override {
     Inside(x, y);
     screen_.Draw(x, y, c, attr);
+    text_.Draw(x, y, c, attr);
   }
   void Fill(int x, int y, long count, uint16_t attr, bool setAttr) override {
     Inside(x, y);
     if (count < 0) std::abort();
     screen_.Fill(x, y, count, attr, setAttr);
+    text_.Fill(x, y, count, attr, setAttr);
   }
-  void ScrollUp(uint16_t attr) override { screen_.ScrollUp(attr); }
+  void ScrollUp(uint16_t attr) override {
+    screen_.ScrollUp(attr);
+    text_.ScrollUp(attr);
+  }
   void SetAttr(uint16_t attr) override { screen_.SetAttr(attr); }
-  void ShowCursor(bool visible) override { screen_.ShowCursor(visible); }
-  void SetTitle(const char* title) override { screen_.SetTitle(title); }
+  void ShowCursor(bool visible) override {
+    screen_.ShowCursor(visible);
+    text_.ShowCursor(visible);
+  }
+  void SetTitle(const char* title) override {
+    screen_.SetTitle(title);
+    text_.SetTitle(title);
+  }
   void Flush(int x, int y) override {
     Inside(x, y);
     screen_.Flush(x, y);
+    text_.Flush(x, y);
   }
 
  private:
@@ -39,6 +70,7 @@ class CheckedScreen final : public ConsoleBackend {
   }
   int cols_, rows_;
   MemoryBackend screen_;
+  TextScreen text_;
 };
 
 }  // namespace

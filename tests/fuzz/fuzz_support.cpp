@@ -12,6 +12,7 @@
 #include <new>
 #include <string>
 
+#include "base/dialect.h"
 #include "base/errors.h"
 #include "gdi/gdi.h"
 #include "platform/break_flag.h"
@@ -69,6 +70,7 @@ void EnterScratchFolder() {
 }
 
 void ResetState() {
+  g_classic = false;  // a CLASSIC ON typed by one input must not carry into the next
   SetParseError(0);
   ClearError();
   SetErrorFile(nullptr);

@@ -1,6 +1,6 @@
 // Program files through the loader, the numbering of unnumbered lines, the
-// link and a run bounded by a statement budget; then the listing must read
-// back to itself.
+// link and a run bounded by a statement budget, with the classic switch on for
+// half of them; then the listing must read back to itself.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/dialect.h"
 #include "fuzz_support.h"
 #include "platform/break_flag.h"
 #include "program/loader.h"
@@ -54,6 +55,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 256 * 1024) return -1;
   fuzz::UseConsole("");
+  // Inputs of odd length load, link, run and read back under the classic switch.
+  bool classic = size % 2 == 1;
+  g_classic = classic;
   auto prog = Load(reinterpret_cast<const char*>(data), size);
   ErrorCode stop = g_err.parse;
   std::string saved = SavedText(*prog, true);
@@ -70,11 +74,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // form (a remark run into REM, GO TO): the first reading may change only that case,
   // and from there on the text stays as it is.
   if (stop == 0 || stop == err::kEndOfFile) {
+    g_classic = classic;
     auto again = Load(saved.data(), saved.size());
     std::string back = SavedText(*again, true);
     if (back != saved) {
       if (!SameButCase(back, saved)) std::abort();
       fuzz::ResetState();
+      g_classic = classic;
       auto third = Load(back.data(), back.size());
       if (SavedText(*third, true) != back) std::abort();
     }

@@ -1,5 +1,6 @@
-// libFuzzer target: any bytes as an IMAGE format, run over a few numbers and
-// strings. The line must stay within its bound and the code among the format's.
+// libFuzzer target: any bytes as an IMAGE format in both grammars, run over a
+// few numbers and strings. The line must stay within its bound and the code
+// among the format's.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -27,13 +28,18 @@ class FuzzValues final : public UsingValues {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr size_t kMaxLine = 1 << 20;  // small, so that runs stay fast
-  ImageFormat image(std::string_view(reinterpret_cast<const char*>(data), size));
-  FuzzValues values;
-  FormatRunner runner(kMaxLine);
-  ErrorCode code = runner.Run(image, values);
-  if (runner.Line().size() > kMaxLine) std::abort();
-  // Only the format errors (kBadReplicator to kBadLiteral) and an overflowing string may come back.
-  bool formatError = code >= err::kBadReplicator && code <= err::kBadLiteral;
-  if (code != 0 && code != err::kStringOverflow && !formatError) std::abort();
+  std::string_view text(reinterpret_cast<const char*>(data), size);
+  // Each text is read in both grammars: this language's and the classic switch's.
+  for (auto grammar : {ImageFormat::kOwn, ImageFormat::kClassic}) {
+    ImageFormat image(text, grammar);
+    FuzzValues values;
+    FormatRunner runner(kMaxLine);
+    ErrorCode code = runner.Run(image, values);
+    if (runner.Line().size() > kMaxLine) std::abort();
+    // Only the format errors (kBadReplicator to kBadLiteral) and an overflowing string may come
+    // back.
+    bool formatError = code >= err::kBadReplicator && code <= err::kBadLiteral;
+    if (code != 0 && code != err::kStringOverflow && !formatError) std::abort();
+  }
   return 0;
 }

@@ -166,6 +166,43 @@ TEST_F(EditorTest, BreakAndEndOfInput) {
   EXPECT_EQ(con->ReadLine(line), Console::kEndOfInput);
 }
 
+// EDIT's read: the text stands on the line as if typed and is the template, so
+// Backspace walks back through both and F3 copies the rest; Escape ends the read.
+TEST_F(EditorTest, EditLineStartsFromItsText) {
+  keys.insert(keys.end(), {key::kBackspace, key::kBackspace, key::kBackspace});
+  Type("X=2");
+  keys.push_back(key::kEnter);
+  ASSERT_EQ(con->EditLine(line, "10 A=1"), 6);
+  EXPECT_EQ(std::string(line), "10 X=2");
+  EXPECT_EQ(screen->Row(0), "10 X=2");
+  // Back to the number, one character typed over, the rest copied.
+  keys.insert(keys.end(), 7, key::kBackspace);
+  Type("2");
+  keys.insert(keys.end(), {key::kF3, key::kEnter});
+  ASSERT_EQ(con->EditLine(line, "10 PRINT"), 8);
+  EXPECT_EQ(std::string(line), "12 PRINT");
+  keys.insert(keys.end(), {key::kBackspace, 'Y', key::kEscape});
+  EXPECT_EQ(con->EditLine(line, "20 X"), Console::kAbandoned);
+  EXPECT_EQ(std::string(line), "");
+  EXPECT_EQ(screen->Row(2), "20 Y@");
+  // The plain reader keeps Escape as the abandoning of the line alone.
+  Type("AB");
+  keys.push_back(key::kEscape);
+  EXPECT_EQ(Enter("CD"), "CD");
+}
+
+// Piped lines come whole: the text is shown, and the line read replaces it.
+TEST(EditLinePiped, ShowsTheTextAndReadsItsReplacement) {
+  std::string out;
+  Console con(MakeStringBackend(&out), MakeStringInput("20 PRINT 2\n"));
+  char line[Console::kLineMax + 1];
+  ASSERT_EQ(con.EditLine(line, "20 PRINT 1"), 10);
+  EXPECT_EQ(std::string(line), "20 PRINT 2");
+  con.Flush();
+  EXPECT_EQ(out, "20 PRINT 1\n20 PRINT 2\n");
+  EXPECT_EQ(con.EditLine(line, ""), Console::kEndOfInput);
+}
+
 TEST(TimedRead, GivesUpAfterDeadline) {
   std::string out;
   class Silent final : public KeySource {

@@ -37,8 +37,9 @@ struct Result {
 };
 
 Result Format(std::string_view format, std::vector<Value> values = {},
-              size_t maxLine = FormatRunner::kMaxLine) {
-  ImageFormat image(format);
+              size_t maxLine = FormatRunner::kMaxLine,
+              ImageFormat::Grammar grammar = ImageFormat::kOwn) {
+  ImageFormat image(format, grammar);
   ListValues list(std::move(values));
   FormatRunner runner(maxLine);
   ErrorCode code = runner.Run(image, list);
@@ -46,8 +47,9 @@ Result Format(std::string_view format, std::vector<Value> values = {},
 }
 
 // The line of a run that must succeed, without its CR LF.
-std::string Line(std::string_view format, std::vector<Value> values = {}) {
-  Result r = Format(format, std::move(values));
+std::string Line(std::string_view format, std::vector<Value> values = {},
+                 ImageFormat::Grammar grammar = ImageFormat::kOwn) {
+  Result r = Format(format, std::move(values), FormatRunner::kMaxLine, grammar);
   EXPECT_EQ(r.code, 0u) << format;
   if (r.line.size() >= 2 && r.line.compare(r.line.size() - 2, 2, "\r\n") == 0)
     r.line.resize(r.line.size() - 2);
@@ -173,15 +175,108 @@ TEST(UsingFormat, ErrorsStopTheLineAtOnce) {
   }
 }
 
-// Every byte where an item may start: no crash, and either a line or a format error.
+// Every byte where an item may start, in both grammars: no crash, and either a
+// line or a format error.
 TEST(UsingFormat, EveryCharacterIsHandled) {
-  for (int c = 1; c < 256; ++c) {
-    for (std::string format :
-         {std::string(1, static_cast<char>(c)), "3(" + std::string(1, static_cast<char>(c)) + ")",
-          "\"a\"," + std::string(1, static_cast<char>(c)) + ",3d"}) {
-      Result r = Format(format, {1.0f, std::string("s")});
-      EXPECT_TRUE(r.code == 0 || (r.code >= 4001 && r.code <= 4009)) << c;
+  for (auto grammar : {ImageFormat::kOwn, ImageFormat::kClassic})
+    for (int c = 1; c < 256; ++c) {
+      std::string one(1, static_cast<char>(c));
+      for (std::string format : {one, "3(" + one + ")", "\"a\"," + one + ",3d", "D" + one + "D"}) {
+        Result r = Format(format, {1.0f, std::string("s")}, FormatRunner::kMaxLine, grammar);
+        EXPECT_TRUE(r.code == 0 || (r.code >= 4001 && r.code <= 4009)) << c;
+      }
     }
+}
+
+// ---- the classic grammar ----------------------------------------------------------------
+
+std::string Classic(std::string_view format, std::vector<Value> values = {}) {
+  return Line(format, std::move(values), ImageFormat::kClassic);
+}
+
+Result ClassicResult(std::string_view format, std::vector<Value> values = {}) {
+  return Format(format, std::move(values), FormatRunner::kMaxLine, ImageFormat::kClassic);
+}
+
+TEST(ClassicFormat, FieldsOfOldListings) {
+  EXPECT_EQ(Classic("DDD,2X,DD", {5.0f, 7.0f}), "  5   7");
+  EXPECT_EQ(Classic("3D.D,6D", {12.3f, 456.0f}), " 12.3   456");
+  EXPECT_EQ(Classic("AA,X,AAA", {"XY", "PQR"}), "XY PQR");
+  EXPECT_EQ(Classic("SDD.DD", {-3.14159f}), " -3.14");
+  EXPECT_EQ(Classic("S5D", {7.0f}), "    +7");
+  EXPECT_EQ(Classic("3D", {12345.0f}), "***");
+  EXPECT_EQ(Classic("DDXDDDXDDD", {5000.0f}), "     5 000");
+  EXPECT_EQ(Classic("3d.2d,2a", {1.005f, "ABC"}), "  1.00AB");  // counts, lower case
+}
+
+TEST(ClassicFormat, NumbersRoundAlignAndTakeTheirSign) {
+  EXPECT_EQ(Classic("3D,3D,3D", {2.5f, -2.5f, -0.4f}), "  3 -3  0");  // no "-0"
+  EXPECT_EQ(Classic("DD.DD,D.DD,.DD", {0.5f, -0.5f, 0.25f}), " 0.50-.50.25");
+  EXPECT_EQ(Classic("3D,S3D,S3D", {-123.0f, 123.0f, 0.0f}), "***+123  +0");
+  EXPECT_EQ(Classic("DDXDDD", {-123.0f}), "  -123");  // the sign stands before the first digit
+  EXPECT_EQ(Classic("SDD.DD", {-99.999f}), "******");
+  EXPECT_EQ(Classic("4D.2D", {9.999f}), "  10.00");
+  EXPECT_EQ(Classic("D,D", {INFINITY, NAN}), "**");
+  EXPECT_EQ(Classic("DD", {"ABC"}), "ABC");  // text in a numeric field is written as text
+  EXPECT_EQ(Classic("5A,\"|\"", {-2.5f}), "-2.5 |");
+  EXPECT_EQ(Classic("2A", {"ABCDE"}), "AB");
+}
+
+TEST(ClassicFormat, ExponentFields) {
+  EXPECT_EQ(Classic("D.DDDE", {12345.0f}), "1.235E+04");
+  EXPECT_EQ(Classic("SD.DDDE", {-0.000123f}), "-1.230E-04");
+  EXPECT_EQ(Classic("3DE", {-5.0f}), "-50E-01");  // a position left for the sign
+  EXPECT_EQ(Classic("D.DE,.DDE", {9.96f, 0.5f}), "1.0E+01.50E+00");
+  EXPECT_EQ(Classic("D.DDE", {0.0f}), "0.00E+00");
+  EXPECT_EQ(Classic("DE", {-1.0f}), "*****");                    // no position for digit and sign
+  EXPECT_EQ(Classic("200DE", {1e-30f}), std::string(204, '*'));  // exponent past two digits
+}
+
+TEST(ClassicFormat, LiteralsGroupsNewLinesAndReruns) {
+  EXPECT_EQ(Classic("\"TOTAL\",DD,/,\"END\"", {7.0f}), "TOTAL 7\r\nEND");
+  EXPECT_EQ(Classic("\"A\"DD\"B\"/DD", {1.0f, 2.0f}), "A 1B\r\n 2");
+  EXPECT_EQ(Classic("2(DD,X),\"|\"", {1.0f, 2.0f}), " 1  2 |");
+  // Values left over start the format again on a new line.
+  EXPECT_EQ(Classic("\"N\",DD", {1.0f, 2.0f}), "N 1\r\nN 2");
+  EXPECT_EQ(ClassicResult("#,DD", {1.0f, 2.0f}).line, " 1\r\n 2");
+  EXPECT_EQ(Classic("255X").size(), 255u);
+  EXPECT_EQ(Classic("255X255X").size(), 510u);
+  EXPECT_EQ(Classic("255D", {1.0f}), std::string(254, ' ') + "1");
+}
+
+TEST(ClassicFormat, BadFormatsStopWithTheirError) {
+  struct Case {
+    const char* format;
+    const char* line;
+    ErrorCode code;
+  };
+  for (const Case& c : {
+           Case{"DD,DD.D.D", " 1", err::kBadNumberFormat},  // two decimal points
+           Case{"256D", "", err::kBadNumberFormat},         // wider than 255
+           Case{"200D56D", "", err::kBadNumberFormat},
+           Case{"S200D55D", "", err::kBadNumberFormat},
+           Case{"256A", "", err::kBadStringFormat},
+           Case{"DDA", "", err::kBadStringFormat},
+           Case{"SDSD", "", err::kBadNumberFormat},
+           Case{"DSD", "", err::kBadNumberFormat},
+           Case{"DDED", "", err::kBadNumberFormat},
+           Case{"E", "", err::kBadNumberFormat},
+           Case{"S.", "", err::kBadNumberFormat},
+           Case{"0D", "", err::kBadReplicator},
+           Case{"DD,256(D)", " 1", err::kBadReplicator},
+           Case{"DD,(D)", " 1", err::kMissingReplicator},
+           Case{"DD DD", " 1", err::kBadFormatDelimiter},
+           Case{"DD,,DD", " 1", err::kBadFormatDelimiter},
+           Case{",DD", "", err::kBadFormatDelimiter},
+           Case{"2(DD)DD", " 1 2", err::kBadFormatDelimiter},
+           Case{"DD,3Q", " 1", err::kBadFormatChar},
+           Case{"DD,Q", " 1", err::kBadFormatChar},
+           Case{"DD)", " 1", err::kBadFormatChar},
+           Case{"DD,\"open", " 1", err::kBadLiteral},
+       }) {
+    Result r = ClassicResult(c.format, {1.0f, 2.0f, 3.0f});
+    EXPECT_EQ(r.code, c.code) << c.format;
+    EXPECT_EQ(r.line, c.line) << c.format;
   }
 }
 
@@ -254,6 +349,14 @@ TEST(UsingFormat, LinesAfterTheFirstAllocateNothing) {
   EXPECT_EQ(first,
             "Item widgets and more00001.25 000-3.50 1000000.00 |  +42\r\n"
             "Item again     00007.00 300000006012263202816.00  |\r\n\r\n");
+  ImageFormat classic("\"Item \",10A,2(SDXDDD.DD,X),5DE/", ImageFormat::kClassic);
+  ASSERT_EQ(runner.Run(classic, values), 0u);
+  before = AllocationCount();
+  for (int i = 0; i < 1000; ++i) {
+    values.Rewind();
+    ASSERT_EQ(runner.Run(classic, values), 0u);
+  }
+  EXPECT_EQ(AllocationCount() - before, 0);
 }
 
 }  // namespace

@@ -83,7 +83,9 @@ TEST(HelpTree, IndexRowsOfSix) {
             "    GET         SAVE        LIST        RUN         DEL         SCR         \n"
             "    LEN         BYE         CLS         HELP        NEW         EXIT        \n"
             "    QUIT        PRINT       DUMP        SYMS        LABELS      WIDTH       \n"
-            "    CLASSIC     \n");
+            "    CLASSIC     RENUMBER    RENUM       AUTO        EDIT        APPEND      \n"
+            "    MERGE       CATALOG     CAT         LIBRARY     DELETE      TRACE       \n"
+            "    TRON        TROFF       CONTINUE    CONT        RANDOMIZE   RANDOM      \n");
   // A full last row starts no empty one.
   ASSERT_EQ(HelpFunctions().Entries().size() % 6, 0u);
   std::string index = Index(HelpFunctions());
@@ -153,8 +155,8 @@ TEST(HelpEntries, SizesAndWidths) {
       }
     }
   const std::map<std::string, size_t> general = {
-      {"Identifiers", 11}, {"Operators", 15}, {"Formats", 9},  {"Numerics", 4},
-      {"Strings", 12},     {"Console", 24},   {"Graphics", 2}, {"Notes", 23}};
+      {"Identifiers", 11}, {"Operators", 15}, {"Formats", 9}, {"Numerics", 4}, {"Strings", 12},
+      {"Console", 24},     {"Graphics", 2},   {"Notes", 23},  {"Classic", 17}};
   for (const auto& [name, count] : general)
     EXPECT_EQ(LinesOf(EntryOf(HelpGeneral(), name)).size(), count) << name;
 }

@@ -62,10 +62,11 @@ TEST(Keywords, EveryNameHasItsCode) {
     {"VER", tok::kFnVer},           {"MIN", tok::kMin},           {"MAX", tok::kMax},
     {"AND", tok::kAnd},             {"OR", tok::kOr},             {"XOR", tok::kXor},
     {"NOT", tok::kNot},             {"IMP", tok::kImp},           {"MOD", tok::kMod},
-    {"DIV", tok::kDiv},             {"EQV", tok::kEqv},
+    {"DIV", tok::kDiv},             {"EQV", tok::kEqv},           {"TRACE", tok::kTrace},
+    {"TRON", tok::kTron},           {"TROFF", tok::kTroff},
   };
   // clang-format on
-  ASSERT_EQ(std::size(kRows), 55u + 15 + 36 + 10);
+  ASSERT_EQ(std::size(kRows), 58u + 15 + 36 + 10);
   for (const Row& row : kRows) {
     const BasicToken* k = FindKeyword(row.name);
     ASSERT_NE(k, nullptr) << row.name;

@@ -1,5 +1,5 @@
 // The Commands topic of HELP against the shell's command table: every command has
-// an entry, and every entry is a command.
+// an entry of one line, and every entry is a command.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -17,7 +17,11 @@ TEST(CommandHelp, EveryCommandHasAnEntryAndNoMore) {
     if (name == "TEST") continue;  // in the table, but answers "???" like an unknown word
     commands.emplace(name);
     bool found = false;
-    for (const HelpEntry& e : HelpCommands().Entries()) found = found || SameName(e.name, name);
+    for (const HelpEntry& e : HelpCommands().Entries())
+      if (SameName(e.name, name)) {
+        found = true;
+        EXPECT_NE(dynamic_cast<const HelpLine*>(e.node), nullptr) << name << " has more lines";
+      }
     EXPECT_TRUE(found) << name;
   }
   for (const HelpEntry& e : HelpCommands().Entries()) EXPECT_TRUE(commands.count(e.name)) << e.name;

@@ -1,10 +1,17 @@
-// The spellings of old listings and the classic substring store.
+// The spellings of old listings, RANDOMIZE among the names, and what the classic
+// switch changes: the substring store and mixed brackets.
 #include "base/dialect.h"
 #include "program_fixture.h"
 
 namespace {
 
 using namespace stmt_test;
+
+// The switch on for one test, off again however the test ends.
+struct ClassicOn {
+  ClassicOn() { g_classic = true; }
+  ~ClassicOn() { g_classic = false; }
+};
 
 TEST(ClassicSpellings, GoWordsListAsOneKeyword) {
   EXPECT_EQ(Listing("GO TO 100"), "GOTO 100");
@@ -31,6 +38,80 @@ TEST(ClassicSpellings, RemRunIntoItsText) {
   EXPECT_EQ(Listing("REMAINDER=5"), "REMAINDER=5");
   EXPECT_NE(ParseErrorOf("REM1 X"), 0u);
   EXPECT_EQ(Listing("REM  X"), "REM X");
+}
+
+TEST(ClassicSpellings, RandomizeIsAKeywordOnlyWhereAStatementStarts) {
+  EXPECT_EQ(Listing("RANDOMIZE"), "RANDOMIZE");
+  EXPECT_EQ(Listing("random  X*2"), "RANDOM X*2");
+  EXPECT_EQ(Listing("RANDOMIZE (5)"), "RANDOMIZE (5)");
+  EXPECT_EQ(Listing("IF X THEN RANDOMIZE 3"), "IF X THEN RANDOMIZE 3");
+  // Assignments and names elsewhere stay what they were.
+  EXPECT_EQ(Listing("RANDOM=5"), "RANDOM=5");
+  EXPECT_EQ(Listing("RANDOMIZE(2)=1"), "RANDOMIZE(2)=1");
+  EXPECT_EQ(Listing("PRINT RANDOM+1"), "PRINT RANDOM+1");
+  EXPECT_EQ(ParseErrorOf("RANDOMIZE \"A\""), err::kBadNumericExp);
+  EXPECT_EQ(ParseErrorOf("RANDOMIZE 1,2"), err::kTrailingChars);
+}
+
+TEST(ClassicBrackets, MixedClosersOnlyUnderTheSwitch) {
+  const char* lines[] = {"IF ABS(Z]>9 THEN 10", "PRINT LEN[A$)", "PRINT A$[1,2)", "DEF FNA(X]=X",
+                         "PRINT TAB(3];FNA[1)"};
+  for (const char* line : lines) EXPECT_NE(ParseErrorOf(line), 0u) << line;
+  ClassicOn on;
+  EXPECT_EQ(Listing(lines[0]), "IF ABS(Z)>9 THEN 10");
+  EXPECT_EQ(Listing(lines[1]), "PRINT LEN(A$)");
+  EXPECT_EQ(Listing(lines[2]), "PRINT A$[1,2]");
+  EXPECT_EQ(Listing(lines[3]), "DEF FNA(X)=X");
+  EXPECT_EQ(Listing(lines[4]), "PRINT TAB(3);FNA(1)");
+  // A bracket that closes nothing is still refused.
+  EXPECT_NE(ParseErrorOf("PRINT ABS(Z"), 0u);
+  EXPECT_NE(ParseErrorOf("PRINT (Z]"), 0u);
+}
+
+// The switch is read by each link: one program, linked both ways.
+TEST(ClassicLoops, NextIsMatchedWhileRunningOnlyUnderTheSwitch) {
+  auto prog = Build({"5 S=0", "10 FOR I=1 TO 3", "20 IF I=2 THEN 50", "30 NEXT I", "40 GOTO 70",
+                     "50 S=S+I", "60 NEXT I", "70 T=I"});
+  ConsoleCapture out;
+  EXPECT_EQ(Link(*prog), err::kNextWithoutFor);
+  {
+    ClassicOn on;
+    ASSERT_EQ(LinkAndRun(*prog), 0u);
+    EXPECT_EQ(Num(*prog, "S"), 2.0f);
+    EXPECT_EQ(Num(*prog, "T"), 4.0f);
+  }
+  EXPECT_EQ(Link(*prog), err::kNextWithoutFor);
+}
+
+TEST(ClassicLoops, RunTimeErrorsNameTheirStatement) {
+  ClassicOn on;
+  ConsoleCapture out;
+  auto stray = Build({"10 FOR I=1 TO 2", "20 NEXT I", "30 NEXT I"});
+  EXPECT_EQ(LinkAndRun(*stray), err::kNextWithoutFor);
+  EXPECT_EQ(loc::Number(g_err.location), 30u);
+  // A NEXT in a subroutine does not reach the caller's loop.
+  auto outside = Build({"10 FOR I=1 TO 2", "20 GOSUB 40", "30 END", "40 NEXT I"});
+  EXPECT_EQ(LinkAndRun(*outside), err::kNextWithoutFor);
+  EXPECT_EQ(loc::Number(g_err.location), 40u);
+  // A loop that runs no pass and has no NEXT after it.
+  auto none = Build({"10 NEXT I", "20 FOR I=2 TO 1"});
+  EXPECT_EQ(LinkAndRun(*none), err::kNextWithoutFor);
+  auto skipped = Build({"10 GOTO 30", "20 NEXT I", "30 FOR I=2 TO 1"});
+  EXPECT_EQ(LinkAndRun(*skipped), err::kForWithoutNext);
+  EXPECT_EQ(loc::Number(g_err.location), 30u);
+}
+
+// Loops left by GOTO again and again, at every GOSUB level, keep one entry
+// per variable and level: the stack stays small.
+TEST(ClassicLoops, LeftLoopsAreReplacedNotPiledUp) {
+  ClassicOn on;
+  ConsoleCapture out;
+  auto prog = Build({"10 FOR K=1 TO 10000", "20 FOR J=1 TO 5", "30 IF J=2 THEN 60", "40 NEXT J",
+                     "50 STOP", "60 GOSUB 100", "70 NEXT K", "80 END", "100 FOR J=1 TO 3",
+                     "110 GOTO 130", "120 NEXT J", "130 RETURN"});
+  ASSERT_EQ(LinkAndRun(*prog), 0u);
+  EXPECT_EQ(Num(*prog, "K"), 10001.0f);
+  EXPECT_LE(prog->run.loops.capacity(), 8u);
 }
 
 std::string StoreFirst(const char* value, const char* store) {

@@ -1,0 +1,2 @@
+10 PRINT "HELLO"
+20 END
