@@ -129,6 +129,16 @@ Cannot open *Saved for output (group library $work/nogroup not found).
 Unable to open *Saved." getting Adread "$work/nogroup"
 getting adread.bas lib/group >/dev/null
 [ -f "$work/lib/group/Saved" ] || { echo "--- FAIL: SAVE *Saved wrote no lib/group/Saved"; failures=$((failures + 1)); }
+# APPEND and MERGE find their files as GET does; CATALOG names a missing library.
+printf '100 PRINT "TAIL"\n' >"$work/lib/group/tail.bas"
+merging() { printf 'NEW\n5 PRINT "FIRST"\nAPPEND *Tail\nMERGE $HELPER\nLIST\n' | libs | sed -n '15,17p'; }
+expect "APPEND and MERGE of library files" 0 "    5   PRINT \"FIRST\"
+   10   PRINT \"HELPER OF THE SYSTEM\"
+  100   PRINT \"TAIL\"" merging
+missing() { printf 'APPEND *Tail\nMERGE *Tail\nCATALOG *\n' | nolib | sed -n '10p;12p;14p'; }
+expect "APPEND, MERGE and CATALOG of a missing library" 0 "Unable to open *Tail (group library $work/nogroup not found).
+Unable to open *Tail (group library $work/nogroup not found).
+Unable to open $work/nogroup." missing
 
 # Each run seeds RND from the clock to the microsecond and the process: twenty
 # rolls of a die started one after another show at least four faces.
