@@ -139,12 +139,12 @@ constexpr const char* kFileNames[] = {
     "BASIC_LIB names; a leading * one of the group library (BASIC_GROUP).",
     "Unset, each is the working folder. CHAIN \"*TREK0\" runs TREK0 of the",
     "group library; FILES GAME1,*,$LIB names files without quotes.",
-    "An existing file is found by its name, then (a program, for GET, CHAIN",
-    "and the command line) with .bas added, then ignoring case: GET ADREAD",
-    "loads adread.bas. Two files that match ignoring case are an error.",
-    "SAVE and CREATE write the name as typed. ./$X is a file named $X.",
+    "An existing file is found by its name, then (a program, for GET, APPEND,",
+    "MERGE, CHAIN and the command line) with .bas added, then ignoring case:",
+    "GET ADREAD loads adread.bas. Two files that match ignoring case are an",
+    "error. SAVE and CREATE write the name as typed. ./$X is a file named $X.",
+    "CATALOG $ and CATALOG * list the libraries.",
 };
-
 
 // HELP CLASSIC finds this topic before the command's one line: the General group
 // comes later in the tree.
