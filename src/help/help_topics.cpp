@@ -3,11 +3,7 @@
 
 namespace {
 
-constexpr const char* kGetLines[] = {
-    "GET <fileName> - Load a program.",
-    "Found by its name, with .bas, or ignoring case: HELP FILENAMES.",
-};
-constexpr HelpText kGet{kGetLines};
+constexpr HelpLine kGet{"GET <fileName> - Load a program (how it is found: HELP FILENAMES)."};
 constexpr HelpLine kSave{"SAVE <fileName>[nolinenumbers] - Save loaded program."};
 constexpr HelpLine kList{"LIST [<start#> [<end#>]] - List loaded program."};
 constexpr HelpLine kRun{"RUN - Run loaded program."};
