@@ -255,6 +255,9 @@ class PrintFileStmt final : public FileStmt {
       } else if (v.function) {
         v.function->Execute(out);
         if (g_err.run) break;
+      } else {
+        last = 'E';  // END: the file ends here, with no line end after it
+        break;
       }
       if (v.sep == ',') CommaZone(out);
       last = v.sep;
