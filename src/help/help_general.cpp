@@ -146,6 +146,22 @@ constexpr const char* kFileNames[] = {
     "CATALOG $ and CATALOG * list the libraries.",
 };
 
+constexpr const char* kTextFiles[] = {
+    "A file that is no data file opens as a text file of plain lines.",
+    "ASSIGN \"LOG\",1,R,\"TEXT\" opens one and makes it, empty, when missing;",
+    "\"APPEND\" too, writing at its end. Otherwise the first PRINT # after",
+    "it is opened replaces the old text. Status 3 a text file, 6 read-only.",
+    "PRINT #1;list writes as PRINT does and ends the line unless , or ;",
+    "closes the list. MAT PRINT #1;A writes a row to a line, with commas.",
+    "LINPUT #1;A$ reads a whole line; READ #1;list and MAT READ #1 read",
+    "items separated by commas, as INPUT reads typed ones. TYP(1) gives 1",
+    "number, 2 string, 3 end; the end goes to IF END #1, else End-of-file.",
+    "A line longer than the DIM length is String overflow and stays to be",
+    "read. Bytes pass unchanged. READ #1,r, UPDATE, ADVANCE and LOCK are",
+    "refused. Output is written at CLOSE, at the end of the run and before",
+    "input. PURGE removes a text file only when it is empty.",
+};
+
 // HELP CLASSIC finds this topic before the command's one line: the General group
 // comes later in the tree.
 constexpr const char* kClassic[] = {
@@ -172,12 +188,14 @@ constexpr HelpText kClassicText{kClassic};
 constexpr HelpText kIdentifiersText{kIdentifiers}, kOperatorsText{kOperators},
     kFormatsText{kFormats}, kNumericsText{kNumerics}, kStringsText{kStrings},
     kConsoleText{kConsole}, kGraphicsText{kGraphics}, kFileNamesText{kFileNames},
-    kNotesText{kNotes};
+    kTextFilesText{kTextFiles}, kNotesText{kNotes};
 
 constexpr HelpEntry kGeneralEntries[] = {
-    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormatsText},
-    {"Numerics", &kNumericsText},       {"Strings", &kStringsText},     {"Console", &kConsoleText},
-    {"Graphics", &kGraphicsText},       {"FileNames", &kFileNamesText}, {"Notes", &kNotesText},
+    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText},
+    {"Formats", &kFormatsText},         {"Numerics", &kNumericsText},
+    {"Strings", &kStringsText},         {"Console", &kConsoleText},
+    {"Graphics", &kGraphicsText},       {"FileNames", &kFileNamesText},
+    {"TextFiles", &kTextFilesText},     {"Notes", &kNotesText},
     {"Classic", &kClassicText},
 };
 
