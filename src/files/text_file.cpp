@@ -224,7 +224,8 @@ TextFile::Read TextFile::PeekLine(std::string_view* line) {
     if (Fill()) continue;
     if (error_) return kError;
     if (inEnd_ - inPos_ == inSize_ && inSize_ >= kLongestLine + 2) return kOverflow;
-    if (inEnd_ == inPos_) return kEnd;
+    // At the end, only the empty rest of a last line that a comma ends is left.
+    if (inEnd_ == inPos_ && !afterComma_) return kEnd;
     // The last line has no line end: it is a line all the same.
     lineBytes_ = inEnd_ - inPos_;
     *line = std::string_view(in_.get() + inPos_, lineBytes_);

@@ -71,8 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ClearError();
     return 0;
   }
-  ProbeTarget shortText(true, 1u + (mix >> 5)), anyText(true, kMaxStringLength),
-      number(false, 0);
+  ProbeTarget shortText(true, 1u + (mix >> 5)), anyText(true, kMaxStringLength), number(false, 0);
   // Every step takes at least a byte, or fails with the bytes left for a target
   // that fits; the number of steps is bounded all the same.
   for (size_t step = 0; step < 4 * size + 8; ++step) {
