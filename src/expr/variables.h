@@ -129,9 +129,7 @@ class StringSimpleVar final : public StringWholeVar {
   StringValue* Locate() override { return &data_->value; }
   bool Quiet() const override { return true; }
   ErrorCode Link(ExprContext& prog) override;
-  uint32_t Room() const override {
-    return data_->declared ? data_->declared : kMaxStringLength;
-  }
+  uint32_t Room() const override { return data_->declared ? data_->declared : kMaxStringLength; }
 
  private:
   StringSimpleData* data_ = nullptr;
@@ -160,9 +158,7 @@ class StringScriptVar : public StringWholeVar {
   size_t Size() const override;
   void List(std::string& out) const override;
   ErrorCode Link(ExprContext& prog) override;
-  uint32_t Room() const override {
-    return data_->declared ? data_->declared : kMaxStringLength;
-  }
+  uint32_t Room() const override { return data_->declared ? data_->declared : kMaxStringLength; }
 
  protected:
   std::vector<NumericExpPtr> subscripts_;

@@ -358,7 +358,8 @@ class LockStmt final : public FileStmt {
   Statement* Execute() override {
     FileUnit* unit = UnitOf(units_, *number_);
     if (!unit) return Fail(g_err.run);
-    if (keyword_ == tok::kUnlock) return unit->Unlock() == FileUnit::kOk ? successor_ : Fail(g_err.run);
+    if (keyword_ == tok::kUnlock)
+      return unit->Unlock() == FileUnit::kOk ? successor_ : Fail(g_err.run);
     // A broken wait goes on to the run's own break test.
     return unit->Lock() == FileUnit::kFail ? Fail(g_err.run) : successor_;
   }

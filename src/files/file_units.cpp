@@ -28,8 +28,9 @@ ErrorCode FileUnit::Close() {
   file_.Close();
   int error = text_.Close();
   Enter(1);
-  return !error ? 0 : error == ENOSPC || error == EFBIG || error == EDQUOT ? err::kNoRoom
-                                                                          : err::kFileError;
+  return !error                                                 ? 0
+         : error == ENOSPC || error == EFBIG || error == EDQUOT ? err::kNoRoom
+                                                                : err::kFileError;
 }
 
 void FileUnit::Enter(uint32_t record) {
@@ -44,9 +45,7 @@ FileUnit::Result FileUnit::Failed(uint32_t code) {
   return kFail;
 }
 
-FileUnit::Result FileUnit::RecordsOnly() {
-  return IsText() ? Failed(err::kNotOnAsciiFile) : kOk;
-}
+FileUnit::Result FileUnit::RecordsOnly() { return IsText() ? Failed(err::kNotOnAsciiFile) : kOk; }
 
 FileUnit::Result FileUnit::TextFailed(TextFile::Read read) {
   switch (read) {

@@ -1,7 +1,7 @@
 // The statements that name, open, create and remove files: FILES, ASSIGN,
-// CREATE, PURGE and CLOSE #. A file that is no data file opens as a text file. File names are host paths, relative to the working
-// folder, or in a library folder after "$" or "*", confined to the sandbox when
-// there is one.
+// CREATE, PURGE and CLOSE #. A file that is no data file opens as a text file.
+// File names are host paths, relative to the working folder, or in a library
+// folder after "$" or "*", confined to the sandbox when there is one.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

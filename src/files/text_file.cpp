@@ -199,8 +199,8 @@ bool TextFile::Fill() {
     inSize_ = size;
   }
   for (;;) {
-    ssize_t n = pread(fd_, in_.get() + inEnd_, inSize_ - inEnd_,
-                      inOffset_ + static_cast<off_t>(inEnd_));
+    ssize_t n =
+        pread(fd_, in_.get() + inEnd_, inSize_ - inEnd_, inOffset_ + static_cast<off_t>(inEnd_));
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) error_ = errno;
     if (n <= 0) return false;

@@ -179,7 +179,8 @@ ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
     FlushFiles();  // what the run wrote is in its files while it waits
   } else if (ErrorCode unwritten = run->files->CloseAll()) {
     // Text the run wrote and could not write out is an error of its last statement.
-    if (!g_err.run || g_err.run == err::kStop || g_err.run == err::kEnd) Raise(unwritten, s->Location());
+    if (!g_err.run || g_err.run == err::kStop || g_err.run == err::kEnd)
+      Raise(unwritten, s->Location());
   }
   prog->chained.reset();  // a CHAIN that a break overtook
   con.RestoreDefaults();
