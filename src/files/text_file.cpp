@@ -151,6 +151,7 @@ OpenStatus TextFile::Open(const std::string& name, bool readOnly, bool create, b
   error_ = 0;
   inPos_ = inEnd_ = lineBytes_ = 0;
   inOffset_ = outOffset_ = 0;
+  lineEnd_ = -1;
   afterComma_ = false;
   line_ = item_ = 1;
   column_ = 0;
@@ -213,8 +214,15 @@ TextFile::Read TextFile::PeekLine(std::string_view* line) {
   for (;;) {
     const char* start = in_.get() + inPos_;
     size_t available = inEnd_ - inPos_;
-    auto* end = available ? static_cast<const char*>(std::memchr(start, '\n', available)) : nullptr;
+    const char* end = nullptr;
+    // Items of one long line are peeked one after another: its end is found once.
+    if (lineEnd_ >= inOffset_ + static_cast<off_t>(inPos_) &&
+        lineEnd_ < inOffset_ + static_cast<off_t>(inEnd_))
+      end = in_.get() + (lineEnd_ - inOffset_);
+    else if (available)
+      end = static_cast<const char*>(std::memchr(start, '\n', available));
     if (end) {
+      lineEnd_ = inOffset_ + (end - in_.get());
       lineBytes_ = static_cast<size_t>(end - start) + 1;
       size_t length = lineBytes_ - 1;
       if (length > 0 && start[length - 1] == '\r') --length;
@@ -307,6 +315,7 @@ void TextFile::Write(bool all) {
     if (ftruncate(fd_, 0) != 0) error = errno;
     inOffset_ += static_cast<off_t>(inPos_);
     inPos_ = inEnd_ = 0;
+    lineEnd_ = -1;
   }
   if (!error && whole > 0) {
     error = host::WriteAllAt(fd_, out_.data(), whole, append_ ? -1 : outOffset_);

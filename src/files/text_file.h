@@ -104,6 +104,7 @@ class TextFile final : public PrintSink, public BaseNode_T<TextFile> {
   size_t inEnd_ = 0;         // bytes of in_ read from the file
   off_t inOffset_ = 0;       // where in_ starts in the file
   size_t lineBytes_ = 0;     // of the line last peeked, its line end included
+  off_t lineEnd_ = -1;       // where in the file the line end last found lies
   bool afterComma_ = false;  // the read position follows a comma in its line
   uint32_t line_ = 1;
   uint32_t item_ = 1;
