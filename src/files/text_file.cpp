@@ -6,7 +6,7 @@
 
 #include <cerrno>
 #include <cfloat>
-#include <charconv>
+#include <cstdlib>
 #include <cstring>
 
 #include "platform/signals.h"
@@ -54,8 +54,19 @@ bool ParseNumber(std::string_view text, float* value) {
       if (i == exponent) return false;
     }
     if (i != text.size()) return false;
-    auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), v);
-    if (ec != std::errc() || end != text.data() + text.size()) return false;
+    // Checked above to be all digits, point and exponent: strtod takes it whole
+    // (the web build's library has no from_chars for floating point).
+    char buffer[64];
+    std::string longer;
+    const char* digitsText = buffer;
+    if (text.size() < sizeof buffer) {
+      std::memcpy(buffer, text.data(), text.size());
+      buffer[text.size()] = '\0';
+    } else {
+      longer.assign(text);
+      digitsText = longer.c_str();
+    }
+    v = std::strtod(digitsText, nullptr);
   }
   if (!(v <= FLT_MAX)) return false;
   *value = static_cast<float>(negative ? -v : v);
