@@ -67,7 +67,7 @@ median() { sort -g | awk '{ v[NR] = $1 } END { print (NR ? v[int((NR + 1) / 2)] 
 
 declare -A cpu wall rss note
 order=(float_loop array2d sieve strings search gosub deffn branch readdata print_numbers
-       print_using mandelbrot matmul matinv startup memory file_write data_file)
+       print_using mandelbrot matmul matinv startup memory file_write data_file text_file)
 mismatches=""
 for name in "${order[@]}"; do
   [ -n "$filter" ] && [[ $name != *$filter* ]] && continue

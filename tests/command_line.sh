@@ -95,6 +95,51 @@ expect "#! script" 0 'hello from a script
 ERROR Undefined value accessed in file line 3 in file "'"$work"'/hello.bas"' \
   env PATH="$work/bin:$PATH" "$work/hello.bas"
 
+# Library names: "$" and "*" name the folders of BASIC_LIB and BASIC_GROUP; a file is
+# found by its name, with .bas, or ignoring case; a missing folder and two matching
+# files are named.
+mkdir -p "$work/lib/group" "$work/lib/system"
+printf '10 PRINT "TREK0 OF THE GROUP"\n20 CHAIN "$HELPER"\n' >"$work/lib/group/TREK0"
+printf '10 PRINT "HELPER OF THE SYSTEM"\n' >"$work/lib/system/helper.bas"
+libs() { (cd "$work" && BASIC_LIB=lib/system BASIC_GROUP=lib/group "$basic" "$@"); }
+expect "a program of the group library" 0 "TREK0 OF THE GROUP
+HELPER OF THE SYSTEM" libs '*TREK0'
+nolib() { (cd "$work" && BASIC_GROUP="$work/nogroup" "$basic" "$@"); }
+expect "a group library that is not there" 255 "
+Velo Basic V0.94.0.154 for POSIX terminals
+Structured HP 2000 BASIC with graphics windows
+
+Unable to open *TREK0 (group library $work/nogroup not found)." nolib '*TREK0'
+printf '10 CHAIN "*TREK0"\n' >"$work/chains.bas"
+expect "CHAIN into a group library that is not there" 0 "
+ERROR Unable to open chain target (group library $work/nogroup not found) in statement number 10 in file \"chains.bas\"" nolib chains.bas
+expect "FILES of a group library that is not there" 0 "
+ERROR File not found (group library $work/nogroup not found) in statement number 10" \
+  nolib <(printf '10 FILES *ZZ\n')
+printf '10 PRINT "ADREAD"\n' >"$work/adread.bas"
+printf '10 CHAIN "ADREAD"\n' >"$work/upper.bas"
+expect "a program found ignoring case and with .bas" 0 "ADREAD" libs upper.bas
+cp "$work/adread.bas" "$work/ADREAD.BAS"
+expect "two programs that match ignoring case" 0 "
+ERROR Ambiguous file name (both ADREAD.BAS and adread.bas match) in statement number 10 in file \"upper.bas\"" \
+  libs upper.bas
+getting() { printf 'GET %s\nSAVE *Saved\n' "$1" | (cd "$work" && BASIC_GROUP="$2" "$basic") | sed -n '10p;12,13p'; }
+expect "GET and SAVE name the missing folder and the two matches" 0 "Unable to open Adread (both ADREAD.BAS and adread.bas match).
+Cannot open *Saved for output (group library $work/nogroup not found).
+Unable to open *Saved." getting Adread "$work/nogroup"
+getting adread.bas lib/group >/dev/null
+[ -f "$work/lib/group/Saved" ] || { echo "--- FAIL: SAVE *Saved wrote no lib/group/Saved"; failures=$((failures + 1)); }
+# APPEND and MERGE find their files as GET does; CATALOG names a missing library.
+printf '100 PRINT "TAIL"\n' >"$work/lib/group/tail.bas"
+merging() { printf 'NEW\n5 PRINT "FIRST"\nAPPEND *Tail\nMERGE $HELPER\nLIST\n' | libs | sed -n '15,17p'; }
+expect "APPEND and MERGE of library files" 0 "    5   PRINT \"FIRST\"
+   10   PRINT \"HELPER OF THE SYSTEM\"
+  100   PRINT \"TAIL\"" merging
+missing() { printf 'APPEND *Tail\nMERGE *Tail\nCATALOG *\n' | nolib | sed -n '10p;12p;14p'; }
+expect "APPEND, MERGE and CATALOG of a missing library" 0 "Unable to open *Tail (group library $work/nogroup not found).
+Unable to open *Tail (group library $work/nogroup not found).
+Unable to open $work/nogroup." missing
+
 # Each run seeds RND from the clock to the microsecond and the process: twenty
 # rolls of a die started one after another show at least four faces.
 printf '10 PRINT INT(RND(0)*6)+1\n' >"$work/die.bas"

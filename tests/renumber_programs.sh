@@ -14,6 +14,8 @@ trap 'rm -rf "$work"' EXIT
 pass=0
 fail=0
 export SDL_VIDEODRIVER=dummy
+# "$" and "*" names find the system and group libraries of the copy, as run_e2e.sh has them.
+export BASIC_LIB="$work/prog/library/system" BASIC_GROUP="$work/prog/library/group"
 
 for bas in "$here"/programs/*.bas; do
   name=$(basename "$bas" .bas)

@@ -43,10 +43,12 @@ for bas in "$here"/programs/*.bas; do
     rm -rf "$work/prog" && cp -a "$here/programs" "$work/prog"
   fi
   touch -d '-2 seconds' "$work/mark"
-  # Programs named classic_* are old listings, run with the classic switch on.
+  # Programs named classic_* are old listings, run with the classic switch on; "$"
+  # and "*" names find the system and group libraries of the copy.
   options=()
   [[ "$name" == classic_* ]] && options=(--classic)
-  (cd "$work/prog" && timeout 20 "$basic" "${options[@]}" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+  (cd "$work/prog" && BASIC_LIB="$work/prog/library/system" BASIC_GROUP="$work/prog/library/group" \
+    timeout 20 "$basic" "${options[@]}" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   check "programs/$name" "${bas%.bas}.out" "$work/out"
 done

@@ -3,7 +3,7 @@
 # creates, removes or chains to stays in DIR and below. One check per way out
 # (an absolute name, "..", a link to a file, a link to a folder) for each kind of
 # file (GET, SAVE, CHAIN, the command line's file, FILES, ASSIGN, CREATE, PURGE,
-# pictures), and the ways that stay inside keep working.
+# text files, pictures), and the ways that stay inside keep working.
 # Usage: sandbox.sh path/to/basic    Exit status 0 when every check passed.
 set -u
 basic=$(realpath "${1:?usage: sandbox.sh path/to/basic}")
@@ -85,8 +85,14 @@ for i in 0 1 2 3; do
   refused "ASSIGN \"${data_out[$i]}\",1,R"
   refused "PURGE R,\"${data_out[$i]}\""
   refused "CREATE R,\"${data_out[$i]}\",1,8"
+  # Text files: the program outside as one, and made or appended to.
+  refused "FILES ${ways_out[$i]}"
+  refused "ASSIGN \"${ways_out[$i]}\",1,R,\"TEXT\""
+  refused "ASSIGN \"${ways_out[$i]}\",1,R,\"APPEND\""
 done
 refused "CREATE R,\"planted.dat\",1,8"
+refused "ASSIGN \"planted.dat\",1,R,\"TEXT\""
+refused "ASSIGN \"folder_link/new.txt\",1,R,\"APPEND\""
 printf '10 CHAIN R,"file_link.bas"\n20 PRINT "STATUS";R\n' >status.bas
 [ "$("$basic" --sandbox . status.bas | tr -s ' ')" = "STATUS 2012 " ] ||
   fail "CHAIN with a status variable: $("$basic" --sandbox . status.bas)"
@@ -106,6 +112,16 @@ BASIC_GDI_DUMP=sub "$basic" --sandbox . draw.bas >/dev/null 2>&1
 
 [ "$(ls -la ../outside | md5sum)" = "$outside_before" ] ||
   fail "the folder outside the sandbox changed: $(ls -la ../outside)"
+
+# The library folders count as inside the sandbox: the one who starts basic names them.
+mkdir -p "$work/group"
+printf '10 PRINT "GROUP PROGRAM RAN"\n' >"$work/group/trek0.bas"
+printf '10 FILES *\n20 CREATE R,"*ZZ",1,8\n30 ASSIGN "*zz",1,S\n40 PRINT R;S\n50 CHAIN "*TREK0"\n' >lib.bas
+[ "$(BASIC_GROUP="$work/group" "$basic" --sandbox . lib.bas | tr -s ' ')" = $' 0 0 \nGROUP PROGRAM RAN' ] ||
+  fail "a group library outside the sandbox: $(BASIC_GROUP="$work/group" "$basic" --sandbox . lib.bas)"
+[ -f "$work/group/ZZ" ] || fail "CREATE *ZZ made no file in the group library"
+[[ $("$basic" --sandbox . '*../outside/secret.bas' 2>&1) == *"(outside the sandbox)."* ]] ||
+  fail "an unset group library let a name out of the sandbox"
 
 # A sandbox that cannot be had stops the start: nothing runs unconfined.
 out=$("$basic" --sandbox "$work/none" inside.bas 2>&1)

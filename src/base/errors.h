@@ -29,6 +29,10 @@ struct ErrorState {
   ErrorCode run = 0;      // set during execution
   uint32_t location = 0;  // where the run-time error happened
   std::string file;       // program file of the error, empty for the shell's program
+  // What the report adds to the message of noteCode in parentheses: the
+  // files a name stood for. Set where such a code is raised, empty or not.
+  std::string note;
+  ErrorCode noteCode = 0;
 };
 extern ErrorState g_err;
 
@@ -44,6 +48,10 @@ inline void ClearError() {
 }
 inline bool HasLocation() { return (g_err.location & (loc::kFileLine | loc::kStmtNumber)) != 0; }
 inline void SetErrorFile(const char* name) { g_err.file = name ? name : ""; }
+inline void SetErrorNote(ErrorCode code, const std::string& note) {
+  g_err.noteCode = code;
+  g_err.note = note;
+}
 
 // The table's message for a code; "OK!" for a code the table does not hold.
 const char* MessageOf(ErrorCode code);

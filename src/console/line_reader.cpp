@@ -197,6 +197,7 @@ constexpr int kPollMs = 50;
 }  // namespace
 
 int Console::ReadLineUntil(char* line, int64_t deadlineMs, std::string_view text, bool escapeEnds) {
+  FlushFiles();  // what a program wrote is in its files while it waits for an answer
   // Piped lines come whole: the text is shown on a line of its own, and the line
   // read replaces it.
   if (!text.empty() && in_->DeliversLines()) {

@@ -12,7 +12,7 @@
 namespace {
 
 // Past this a string result or target would overflow.
-constexpr int64_t kMaxStringLength = 0x7FFFFFF;
+constexpr int64_t kLongest = kMaxStringLength;
 
 void ListSubscripts(std::string& out, const std::vector<NumericExpPtr>& subscripts) {
   out += '(';
@@ -261,7 +261,7 @@ ErrorCode NumericScriptVar::Link(ExprContext& prog) {
 void StringSimpleVar::List(std::string& out) const { out += name_->Name(); }
 
 ErrorCode StringSimpleVar::Link(ExprContext& prog) {
-  value_ = &prog.variables.StringSimple(name_)->value;
+  data_ = prog.variables.StringSimple(name_);
   return 0;
 }
 
@@ -342,7 +342,7 @@ std::string_view StringSubVar::Evaluate(StringValue& work) {
   size_t from = static_cast<size_t>(first - 1);
   if (limit_->form() == StringLimit::kFirst) return from < text.size() ? text.substr(from) : "";
   int64_t n;
-  if (!conv::ToIntIn(count, 0, kMaxStringLength, &n)) {
+  if (!conv::ToIntIn(count, 0, kLongest, &n)) {
     SetRunError(LengthError(count));
     return {};
   }
@@ -375,7 +375,7 @@ void StringSubVar::Assign(std::string_view text) {
     // held there becomes the last one. This off-by-one is the form's defined result;
     // the classic language ends the string with the copied text.
     uint64_t m = static_cast<uint64_t>(s) + text.size() - (g_classic ? 1 : 0);
-    if (m > uint64_t{kMaxStringLength}) {
+    if (m > uint64_t{kLongest}) {
       SetRunError(err::kStringOverflow);
       return;
     }
@@ -386,7 +386,7 @@ void StringSubVar::Assign(std::string_view text) {
     return;
   }
   int64_t n;
-  if (!conv::ToIntIn(count, 0, kMaxStringLength - s, &n)) {
+  if (!conv::ToIntIn(count, 0, kLongest - s, &n)) {
     SetRunError(LengthError(count));
     return;
   }

@@ -97,6 +97,9 @@ class StringVar : public StringExp {
  public:
   virtual void Assign(std::string_view text) = 0;
   virtual const VarToken* Name() const = 0;
+  // The longest text a text file's line or item may put in it: the declared
+  // length of a DIM or COM variable, else the longest string.
+  virtual uint32_t Room() const { return kMaxStringLength; }
 };
 
 // A whole string variable or element, bound by the link pass.
@@ -123,12 +126,13 @@ class StringSimpleVar final : public StringWholeVar {
   using StringWholeVar::StringWholeVar;
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override;
-  StringValue* Locate() override { return value_; }
+  StringValue* Locate() override { return &data_->value; }
   bool Quiet() const override { return true; }
   ErrorCode Link(ExprContext& prog) override;
+  uint32_t Room() const override { return data_->declared ? data_->declared : kMaxStringLength; }
 
  private:
-  StringValue* value_ = nullptr;
+  StringSimpleData* data_ = nullptr;
 };
 
 // A string parameter inside a DEF body.
@@ -154,6 +158,7 @@ class StringScriptVar : public StringWholeVar {
   size_t Size() const override;
   void List(std::string& out) const override;
   ErrorCode Link(ExprContext& prog) override;
+  uint32_t Room() const override { return data_->declared ? data_->declared : kMaxStringLength; }
 
  protected:
   std::vector<NumericExpPtr> subscripts_;

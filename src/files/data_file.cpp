@@ -43,6 +43,8 @@ OpenStatus NameStatus(int error) {
       return OpenStatus::kBadName;
     case host::kOutside:
       return OpenStatus::kOutside;
+    case host::kAmbiguous:
+      return OpenStatus::kAmbiguous;
     case ENOENT:
     case ENOTDIR:
       return OpenStatus::kMissing;
@@ -116,11 +118,11 @@ CreateStatus DataFile::Create(const std::string& name, double records, double wo
   return e ? CreateStatus::kFailed : CreateStatus::kCreated;
 }
 
-OpenStatus DataFile::Open(const std::string& name, bool readOnly) {
+OpenStatus DataFile::Open(const std::string& name, bool readOnly, std::string* note) {
   Close();
   std::string path;
   host::Place place;
-  int e = host::HostPath(name, &path);
+  int e = host::FindFile(name, host::FileKind::kData, &path, note);
   if (!e) e = place.Resolve(path);
   if (e) return NameStatus(e);
   // Never waits: a FIFO or a device is refused below, not read.

@@ -43,7 +43,8 @@ inline constexpr uint32_t kNumberWords = 2;
 
 // How opening, creating or purging a file went; ASSIGN, CREATE and PURGE hand
 // the first ones on as their status values. kBadName is a name no file can
-// have, kOutside one that leads outside the sandbox.
+// have, kOutside one that leads outside the sandbox, kAmbiguous one that two
+// files match once case is ignored. kText and kTextReadOnly: a text file opened.
 enum class OpenStatus {
   kReadWrite,
   kReadOnly,
@@ -52,7 +53,10 @@ enum class OpenStatus {
   kDamaged,
   kFailed,
   kBadName,
-  kOutside
+  kOutside,
+  kAmbiguous,
+  kText,
+  kTextReadOnly
 };
 enum class CreateStatus { kCreated, kExists, kBadSize, kFailed, kBadName, kOutside };
 
@@ -86,8 +90,10 @@ class DataFile final {
   // *error gets the system's error of kFailed.
   static CreateStatus Create(const std::string& name, double records, double words,
                              int* error = nullptr);
-  // Opens a data file; readOnly asks for no writing even when the file allows it.
-  OpenStatus Open(const std::string& name, bool readOnly);
+  // Opens a data file, its name found as host::FindFile finds one; readOnly
+  // asks for no writing even when the file allows it. *note gets what a
+  // failure to find the name adds to its message.
+  OpenStatus Open(const std::string& name, bool readOnly, std::string* note = nullptr);
   void Close();  // commits, and lets go of LOCK
   bool IsOpen() const { return fd_ >= 0; }
   bool Writable() const { return writable_; }

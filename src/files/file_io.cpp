@@ -1,8 +1,11 @@
-// Reading and writing data files through their numbers: READ #, PRINT #,
-// UPDATE #, ADVANCE, LOCK and UNLOCK, and the ON END # / OFF END # branch.
+// Reading and writing files through their numbers: READ #, PRINT #, UPDATE #,
+// ADVANCE, LOCK and UNLOCK, LINPUT # of text files, and the ON END # / OFF
+// END # branch.
 #include "base/convert.h"
 #include "files/file_parsers.h"
 #include "files/file_stmt.h"
+#include "format/number_format.h"
+#include "format/print_list.h"
 #include "lex/parse_attempt.h"
 #include "stmt/stmt_context.h"
 #include "stmt/targets.h"
@@ -117,18 +120,50 @@ class ReadFileStmt final : public FileStmt {
   TargetList targets_;
 };
 
-// One value of a PRINT # or UPDATE # list; END (no expressions) writes an
-// end-of-file mark. sep is the separator typed after it, 0 for none.
+// LINPUT #n; stringVar: the next whole line of a text file, without its line end.
+class LinputFileStmt final : public FileStmt {
+ public:
+  LinputFileStmt(FileUnits& units, NumericExpPtr number, std::unique_ptr<Target> target)
+      : FileStmt(units, std::move(number)), target_(std::move(target)) {}
+  Statement* Execute() override {
+    FileUnit* unit = UnitOf(units_, *number_);
+    if (!unit) return Fail(g_err.run);
+    return Finish(unit, unit->ReadLine(*target_));
+  }
+  TokenCode Code() const override { return tok::kLinput; }
+  size_t Size() const override { return sizeof *this + BaseSize() + target_->Size(); }
+  void List(std::string& out) const override {
+    ListFileRecord(out, "LINPUT", number_, nullptr);
+    out += ';';
+    target_->List(out);
+  }
+
+ private:
+  std::unique_ptr<Target> target_;
+};
+
+// One value of a PRINT # or UPDATE # list, or TAB, SPA or LIN of a PRINT #
+// to a text file; END (none of them) writes an end-of-file mark. sep is the
+// separator typed after it, 0 for none; one at the end leaves a text file's
+// line open.
 struct FileValue {
   NumericExpPtr number;
   StringExpPtr text;
+  PrintSpecPtr function;
   char sep;
-  size_t Size() const { return sizeof *this + (number ? number->Size() : text ? text->Size() : 0); }
+  size_t Size() const {
+    return sizeof *this + (number     ? number->Size()
+                           : text     ? text->Size()
+                           : function ? function->Size()
+                                      : 0);
+  }
   void List(std::string& out) const {
     if (number)
       number->List(out);
     else if (text)
       text->List(out);
+    else if (function)
+      function->List(out);
     else
       out += "END";
     if (sep) out += sep;
@@ -161,11 +196,15 @@ class PrintFileStmt final : public FileStmt {
     Statement* next;
     FileUnit* unit = Position(record_.get(), true, &next);
     if (!unit) return next;
+    if (unit->IsText()) return PrintLine(*unit);
     bool bound = record_ != nullptr;
     FileUnit::Result result = FileUnit::kOk;
     bool endFile = false;
     for (FileValue& v : values_) {
-      if (v.number) {
+      if (v.function) {
+        result = FileUnit::kFail;
+        SetRunError(err::kNotOnRecordFile);  // a record has no columns
+      } else if (v.number) {
         float value = v.number->Evaluate();
         if (g_err.run) break;  // nothing of a failed value is written
         result = unit->WriteNumber(value, bound);
@@ -196,6 +235,37 @@ class PrintFileStmt final : public FileStmt {
   }
 
  private:
+  // The values as PRINT writes them, onto the text file's line: the same
+  // number formats and zones, a line feed at the end unless a separator ends
+  // the list. A value that fails stops the list before it is written.
+  Statement* PrintLine(FileUnit& unit) {
+    TextFile& out = unit.Text();
+    if (!out.Writable()) return Fail(err::kFileReadOnly);
+    out.StartWriting();
+    char last = 0;
+    for (FileValue& v : values_) {
+      if (v.number) {
+        float value = v.number->Evaluate();
+        if (g_err.run) break;
+        PrintNumber(out, value);
+      } else if (v.text) {
+        std::string_view text = v.text->Evaluate(work_);
+        if (g_err.run) break;
+        PrintText(out, text);
+      } else if (v.function) {
+        v.function->Execute(out);
+        if (g_err.run) break;
+      } else {
+        last = 'E';  // END: the file ends here, with no line end after it
+        break;
+      }
+      if (v.sep == ',') CommaZone(out);
+      last = v.sep;
+    }
+    if (g_err.run) return Fail(g_err.run);
+    if (!last) NewPrintLine(out);
+    return Finish(&unit, unit.TextWritten());
+  }
   NumericExpPtr record_;
   FileValues values_;
   StringValue work_;
@@ -288,10 +358,8 @@ class LockStmt final : public FileStmt {
   Statement* Execute() override {
     FileUnit* unit = UnitOf(units_, *number_);
     if (!unit) return Fail(g_err.run);
-    if (keyword_ == tok::kUnlock) {
-      unit->Unlock();
-      return successor_;
-    }
+    if (keyword_ == tok::kUnlock)
+      return unit->Unlock() == FileUnit::kOk ? successor_ : Fail(g_err.run);
     // A broken wait goes on to the run's own break test.
     return unit->Lock() == FileUnit::kFail ? Fail(g_err.run) : successor_;
   }
@@ -346,16 +414,20 @@ bool AtStatementEnd(StmtContext& p) {
 }
 
 // Values separated by "," or ";"; a numeric reading is tried before a string
-// one, as PRINT items are. END may close a PRINT # list.
-bool ParseFileValues(StmtContext& p, bool endAllowed, FileValues* values) {
+// one, as PRINT items are. END may close a PRINT # list, and TAB, SPA and LIN
+// stand in one.
+bool ParseFileValues(StmtContext& p, bool isPrint, FileValues* values) {
   for (;;) {
-    FileValue v{nullptr, nullptr, 0};
+    FileValue v{nullptr, nullptr, nullptr, 0};
     ParseAttempt attempt(p);
-    if (endAllowed && p.Accept(tok::kEnd)) {
+    if (isPrint && p.Accept(tok::kEnd)) {
       values->push_back(std::move(v));
       return true;  // the end-of-file mark is the last item
     }
-    if (!(v.number = ParseNumericExp(p))) {
+    if (isPrint && (v.function = ParsePrintFunctionItem(p))) {
+    } else if (g_err.parse) {
+      return false;
+    } else if (!(v.number = ParseNumericExp(p))) {
       ErrorCode numericError = g_err.parse;
       SetParseError(0);
       attempt.Rewind();
@@ -367,7 +439,7 @@ bool ParseFileValues(StmtContext& p, bool endAllowed, FileValues* values) {
     TokenCode sep = p.GetToken();
     bool more = sep == tok::kComma || sep == tok::kSemicolon;
     if (!more) p.BackUp();
-    if (more && !AtStatementEnd(p)) v.sep = sep == tok::kComma ? ',' : ';';
+    if (more) v.sep = sep == tok::kComma ? ',' : ';';
     values->push_back(std::move(v));
     if (!more || AtStatementEnd(p)) return true;
   }
@@ -412,6 +484,18 @@ StatementPtr ParseReadFile(StmtContext& p) {
   }
   return std::make_unique<ReadFileStmt>(*p.run.files, std::move(number), std::move(record),
                                         std::move(targets));
+}
+
+StatementPtr ParseLinputFile(StmtContext& p) {
+  NumericExpPtr number = ParseFileNumber(p);
+  if (!number || !ExpectSemicolon(p)) return nullptr;
+  std::unique_ptr<StringVar> var = ParseStringVar(p);
+  if (!var) {
+    if (!g_err.parse) SetParseError(err::kBadStringVar);
+    return nullptr;
+  }
+  return std::make_unique<LinputFileStmt>(*p.run.files, std::move(number),
+                                          std::make_unique<StringTarget>(std::move(var)));
 }
 
 StatementPtr ParsePrintFile(StmtContext& p) { return ParseFileValuesStmt(p, true); }

@@ -1,6 +1,6 @@
 // Parse routines of the data-file statements, called like those of stmt/parsers.h.
 // The forms written with "#" after a keyword of another family (READ #, PRINT #,
-// CLOSE #, UPDATE #, ON/IF/OFF END #, MAT READ #, MAT PRINT #) are reached
+// LINPUT #, CLOSE #, UPDATE #, ON/IF/OFF END #, MAT READ #, MAT PRINT #) are reached
 // through the statement table's data-file forms, with the words before "#" consumed.
 #pragma once
 #include "stmt/statement.h"
@@ -13,7 +13,8 @@ StatementPtr ParsePurge(StmtContext& p);
 StatementPtr ParseCloseFile(StmtContext& p);  // CLOSE #n
 
 // file_io.cpp: reading and writing through file numbers.
-StatementPtr ParseReadFile(StmtContext& p);  // READ #...
+StatementPtr ParseReadFile(StmtContext& p);    // READ #...
+StatementPtr ParseLinputFile(StmtContext& p);  // LINPUT #... of a text file
 StatementPtr ParsePrintFile(StmtContext& p);
 StatementPtr ParseUpdateFile(StmtContext& p);
 StatementPtr ParseAdvance(StmtContext& p);

@@ -11,16 +11,26 @@ namespace {
 constexpr float kTypeNumber = 1, kTypeString = 2, kTypeEndFile = 3, kTypeEndRecord = 4;
 }  // namespace
 
-OpenStatus FileUnit::Open(const std::string& path, bool readOnly) {
+OpenStatus FileUnit::Open(const std::string& path, bool readOnly, Ask ask, std::string* note) {
   Close();
-  OpenStatus status = file_.Open(path, readOnly);
+  OpenStatus status;
+  if (ask != Ask::kAny) {
+    status = text_.Open(path, readOnly, true, ask == Ask::kAppend, note);
+  } else {
+    status = file_.Open(path, readOnly, note);
+    if (status == OpenStatus::kNotData) status = text_.Open(path, readOnly, false, false, note);
+  }
   Enter(1);
   return status;
 }
 
-void FileUnit::Close() {
+ErrorCode FileUnit::Close() {
   file_.Close();
+  int error = text_.Close();
   Enter(1);
+  return !error                                                 ? 0
+         : error == ENOSPC || error == EFBIG || error == EDQUOT ? err::kNoRoom
+                                                                : err::kFileError;
 }
 
 void FileUnit::Enter(uint32_t record) {
@@ -33,6 +43,64 @@ void FileUnit::Enter(uint32_t record) {
 FileUnit::Result FileUnit::Failed(uint32_t code) {
   SetRunError(code);
   return kFail;
+}
+
+FileUnit::Result FileUnit::RecordsOnly() { return IsText() ? Failed(err::kNotOnAsciiFile) : kOk; }
+
+FileUnit::Result FileUnit::TextFailed(TextFile::Read read) {
+  switch (read) {
+    case TextFile::kOk:
+      return kOk;
+    case TextFile::kEnd:
+      return kEnd;
+    case TextFile::kOverflow:
+      return Failed(err::kStringOverflow);
+    case TextFile::kError:
+      break;
+  }
+  text_.ClearError();
+  return Failed(err::kFileError);
+}
+
+FileUnit::Result FileUnit::TextWritten() {
+  int error = text_.Error();
+  if (!error) return kOk;
+  text_.ClearError();
+  return Failed(error == ENOSPC || error == EFBIG || error == EDQUOT ? err::kNoRoom
+                                                                     : err::kFileError);
+}
+
+// A whole line for LINPUT #. One longer than the target's declared length
+// stays to be read again, as does one whose target fails.
+FileUnit::Result FileUnit::ReadLine(Target& target) {
+  if (!IsText()) return Failed(err::kNotOnRecordFile);
+  std::string_view line;
+  if (Result r = TextFailed(text_.PeekLine(&line)); r != kOk) return r;
+  if (line.size() > target.Room()) return Failed(err::kStringOverflow);
+  // A subscript of the target may read the file (TYP) and move its buffer.
+  scratch_.assign(line);
+  target.Assign(std::string_view(scratch_));
+  if (g_err.run) return kFail;
+  text_.TakeLine();
+  return kOk;
+}
+
+// An item of a text file, as INPUT takes a typed one: a number for a numeric
+// target; anything for a string one, a number as it was written.
+FileUnit::Result FileUnit::ReadText(Target& target) {
+  TextItem item;
+  if (Result r = TextFailed(text_.PeekItem(&item)); r != kOk) return r;
+  if (target.IsString()) {
+    if (item.text.size() > target.Room()) return Failed(err::kStringOverflow);
+    scratch_.assign(item.text);
+    target.Assign(std::string_view(scratch_));
+  } else {
+    if (!item.isNumber) return Failed(err::kDataWrongType);  // the item stays
+    target.Assign(item.number);
+  }
+  if (g_err.run) return kFail;
+  text_.TakeItem(item);
+  return kOk;
 }
 
 FileUnit::Result FileUnit::FileFailed() {
@@ -56,6 +124,7 @@ FileUnit::Result FileUnit::Load() {
 }
 
 FileUnit::Result FileUnit::Seek(float record) {
+  if (Result r = RecordsOnly(); r != kOk) return r;
   if (!file_.Commit()) return FileFailed();
   int64_t r;
   if (std::isnan(record) || !conv::RoundIn(record, 1, data_file::kMaxRecords, &r))
@@ -65,7 +134,14 @@ FileUnit::Result FileUnit::Seek(float record) {
   return kOk;
 }
 
+FileUnit::Result FileUnit::Unlock() {
+  if (Result r = RecordsOnly(); r != kOk) return r;
+  file_.Unlock();
+  return kOk;
+}
+
 FileUnit::Result FileUnit::Lock() {
+  if (Result r = RecordsOnly(); r != kOk) return r;
   switch (file_.Lock()) {
     case host::LockWait::kLocked:
       return kOk;
@@ -98,6 +174,7 @@ FileUnit::Result FileUnit::Next(FileItem* item, bool bound) {
 }
 
 FileUnit::Result FileUnit::Read(Target& target, bool bound) {
+  if (IsText()) return ReadText(target);
   FileItem item;
   if (Result r = Next(&item, bound); r != kOk) return r;
   bool isString = item.kind == FileItem::kString;
@@ -167,6 +244,7 @@ FileUnit::Result FileUnit::FinishWrite(bool endRecord) {
 }
 
 FileUnit::Result FileUnit::UpdateNumber(float value) {
+  if (Result r = RecordsOnly(); r != kOk) return r;
   if (!file_.Writable()) return Failed(err::kFileReadOnly);
   FileItem item;
   if (Result r = Next(&item, false); r != kOk) return r;
@@ -178,6 +256,7 @@ FileUnit::Result FileUnit::UpdateNumber(float value) {
 }
 
 FileUnit::Result FileUnit::UpdateString(std::string_view text) {
+  if (Result r = RecordsOnly(); r != kOk) return r;
   if (!file_.Writable()) return Failed(err::kFileReadOnly);
   FileItem item;
   if (Result r = Next(&item, false); r != kOk) return r;
@@ -194,6 +273,7 @@ FileUnit::Result FileUnit::UpdateString(std::string_view text) {
 
 FileUnit::Result FileUnit::Skip(uint64_t count, uint64_t* left) {
   *left = count;
+  if (Result r = RecordsOnly(); r != kOk) return r;
   while (*left > 0) {
     FileItem item;
     Result r = Next(&item, false);
@@ -207,6 +287,13 @@ FileUnit::Result FileUnit::Skip(uint64_t count, uint64_t* left) {
 }
 
 float FileUnit::Type(bool acrossRecords) {
+  if (IsText()) {
+    TextItem next;
+    TextFile::Read r = text_.PeekItem(&next);
+    if (r == TextFile::kOk) return next.isNumber ? kTypeNumber : kTypeString;
+    if (r == TextFile::kError) text_.ClearError();
+    return r == TextFile::kOverflow ? kTypeString : kTypeEndFile;
+  }
   uint32_t record = record_, word = word_, item = item_;
   bool entered = entered_;
   FileItem next;
@@ -244,16 +331,22 @@ FileUnit* FileUnits::OpenUnit(float number) {
 }
 
 bool FileUnits::Holds(dev_t device, ino_t inode) const {
-  for (const FileUnit& unit : units_)
-    if (unit.IsOpen() && unit.File().Device() == device && unit.File().Inode() == inode)
+  for (const FileUnit& unit : units_) {
+    if (unit.File().IsOpen() && unit.File().Device() == device && unit.File().Inode() == inode)
       return true;
+    if (unit.IsText() && unit.Text().Device() == device && unit.Text().Inode() == inode)
+      return true;
+  }
   return false;
 }
 
-void FileUnits::CloseAll() {
+ErrorCode FileUnits::CloseAll() {
+  ErrorCode first = 0;
   for (FileUnit& unit : units_) {
-    unit.Close();
+    ErrorCode code = unit.Close();
+    if (!first) first = code;
     unit.endTarget = nullptr;
   }
   declared = 0;
+  return first;
 }

@@ -1,8 +1,10 @@
 // MAT READ # and MAT PRINT #: whole arrays from and to a data file, element
 // by element in row-major order, serially or bound to one record as READ #
-// and PRINT # move.
+// and PRINT # move; from and to a text file as READ # reads items, each row
+// of a MAT PRINT # a line.
 #include "files/file_parsers.h"
 #include "files/file_stmt.h"
+#include "format/number_format.h"
 #include "lex/parse_attempt.h"
 #include "matrix/mat.h"
 #include "stmt/stmt_context.h"
@@ -15,6 +17,7 @@ class ElementTarget final : public Target {
  public:
   ElementTarget(MatArray& array, uint32_t i) : array_(array), i_(i) {}
   bool IsString() const override { return array_.IsString(); }
+  uint32_t Room() const override { return array_.Room(); }
   void Assign(float value) override { array_.Set(i_, value); }
   void Assign(std::string_view text) override { array_.Set(i_, text); }
   size_t Size() const override { return sizeof *this; }
@@ -61,6 +64,44 @@ class FileSink final : public MatrixSink {
  private:
   FileUnit& unit_;
   bool bound_;
+};
+
+// The elements as a text file's lines that READ # reads back: a row to a
+// line, its elements joined by commas, numbers as PRINT writes them without
+// their blanks, strings quoted (a quote doubled) when they would read otherwise.
+class TextRowsSink final : public MatrixSink {
+ public:
+  explicit TextRowsSink(TextFile& out) : out_(out) {}
+  void Number(float value) override {
+    char buffer[kNumberBufferSize];
+    int reserve;
+    std::string_view text(buffer, FormatNumber(value, buffer, &reserve));
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    out_.Print(text);
+  }
+  void Text(std::string_view text) override {
+    TextItem item;
+    if (CutTextItem(text, &item, &scratch_) && item.endsLine && !item.isNumber &&
+        item.text.size() == text.size() && text.front() != '"') {
+      out_.Print(text);
+      return;
+    }
+    out_.Print('"');
+    for (size_t quote; (quote = text.find('"')) != std::string_view::npos;) {
+      out_.Print(text.substr(0, quote + 1));
+      out_.Print('"');
+      text.remove_prefix(quote + 1);
+    }
+    out_.Print(text);
+    out_.Print('"');
+  }
+  void Between(bool) override { out_.Print(','); }
+  void EndRow() override { out_.Print('\n'); }
+
+ private:
+  TextFile& out_;
+  std::string scratch_;
 };
 
 size_t ArraysSize(const MatArrayList& arrays) {
@@ -121,6 +162,7 @@ class MatPrintFileStmt final : public FileStmt {
     Statement* next;
     FileUnit* unit = Position(record_.get(), true, &next);
     if (!unit) return next;
+    if (unit->IsText()) return PrintLines(*unit);
     bool bound = record_ != nullptr;
     FileSink sink(*unit, bound);
     for (const auto& array : arrays_) array->WriteRows(sink, true);
@@ -139,6 +181,18 @@ class MatPrintFileStmt final : public FileStmt {
   }
 
  private:
+  Statement* PrintLines(FileUnit& unit) {
+    if (!unit.Text().Writable()) return Fail(err::kFileReadOnly);
+    unit.Text().StartWriting();
+    TextRowsSink sink(unit.Text());
+    // An undefined element is written as 0 and stops the run after the list.
+    for (const auto& array : arrays_) array->WriteRows(sink, true);
+    ErrorCode pending = g_err.run;
+    FileUnit::Result written = unit.TextWritten();
+    if (pending) return Fail(pending);
+    return Finish(&unit, written);
+  }
+
   NumericExpPtr record_;
   MatArrayList arrays_;
 };

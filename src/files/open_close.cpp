@@ -1,6 +1,7 @@
-// The statements that name, open, create and remove data files: FILES, ASSIGN,
-// CREATE, PURGE and CLOSE #. File names are host paths, relative to the working
-// folder, confined to the sandbox when there is one.
+// The statements that name, open, create and remove files: FILES, ASSIGN,
+// CREATE, PURGE and CLOSE #. A file that is no data file opens as a text file.
+// File names are host paths, relative to the working folder, or in a library
+// folder after "$" or "*", confined to the sandbox when there is one.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,7 +16,7 @@
 
 namespace {
 
-// The status values ASSIGN, CREATE and PURGE store in their return variable.
+// The status values ASSIGN stores in its return variable.
 float AssignStatus(OpenStatus status) {
   switch (status) {
     case OpenStatus::kReadWrite:
@@ -24,13 +25,17 @@ float AssignStatus(OpenStatus status) {
       return 1;
     case OpenStatus::kMissing:
       return 2;
+    case OpenStatus::kText:
     case OpenStatus::kNotData:
       return 3;
     case OpenStatus::kDamaged:
       return 4;
+    case OpenStatus::kTextReadOnly:
+      return 6;
     case OpenStatus::kFailed:
     case OpenStatus::kBadName:
     case OpenStatus::kOutside:
+    case OpenStatus::kAmbiguous:
       break;
   }
   return 5;
@@ -41,7 +46,14 @@ float AssignStatus(OpenStatus status) {
 ErrorCode NameError(OpenStatus status) {
   if (status == OpenStatus::kBadName) return err::kBadFileName;
   if (status == OpenStatus::kOutside) return err::kOutsideSandbox;
+  if (status == OpenStatus::kAmbiguous) return err::kAmbiguousName;
   return 0;
+}
+
+// Raises code where the name's note, if any, goes with it into the report.
+ErrorCode NoteName(ErrorCode code, const std::string& note) {
+  SetErrorNote(code, note);
+  return code;
 }
 
 // The error of a FILES name that does not open.
@@ -49,6 +61,8 @@ ErrorCode OpenError(OpenStatus status) {
   switch (status) {
     case OpenStatus::kReadWrite:
     case OpenStatus::kReadOnly:
+    case OpenStatus::kText:
+    case OpenStatus::kTextReadOnly:
       return 0;
     case OpenStatus::kMissing:
       return err::kFileNotFound;
@@ -60,6 +74,8 @@ ErrorCode OpenError(OpenStatus status) {
       return err::kBadFileName;
     case OpenStatus::kOutside:
       return err::kOutsideSandbox;
+    case OpenStatus::kAmbiguous:
+      return err::kAmbiguousName;
     case OpenStatus::kFailed:
       break;
   }
@@ -101,7 +117,9 @@ class FilesStmt final : public Statement {
       if (units_.declared >= FileUnits::kUnits) return Raise(err::kBadFileNumber, Location());
       FileUnit& unit = units_[units_.declared++];
       if (!name.quoted && name.path == "*") continue;
-      if (ErrorCode code = OpenError(unit.Open(name.path, false))) return Raise(code, Location());
+      std::string note;
+      if (ErrorCode code = OpenError(unit.Open(name.path, false, FileUnit::Ask::kAny, &note)))
+        return Raise(NoteName(code, note), Location());
     }
     return 0;
   }
@@ -111,18 +129,43 @@ class FilesStmt final : public Statement {
   std::vector<FilesName> names_;
 };
 
-// ASSIGN name, n, r [, RR|WR|NR]: opens a file as number n, closing what n had.
-// "*" as the name only closes. RR opens for reading only; WR and NR both read
-// and write, programs sharing a file through LOCK.
+// What an ASSIGN asks for: RR reading only; TEXT a text file, made when
+// missing; APPEND one written at its end. WR, NR and anything else ask nothing more.
+enum class Restriction { kNone, kReadOnly, kText, kAppend };
+
+bool SameWord(std::string_view text, std::string_view word) {
+  if (text.size() != word.size()) return false;
+  for (size_t i = 0; i < word.size(); ++i)
+    if ((text[i] | 0x20) != (word[i] | 0x20)) return false;
+  return true;
+}
+
+// The restriction a text names, blanks around it and case ignored. Any other
+// text (a lock word of old listings) opens the file without restriction.
+Restriction RestrictionOf(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  if (SameWord(text, "RR")) return Restriction::kReadOnly;
+  if (SameWord(text, "TEXT")) return Restriction::kText;
+  if (SameWord(text, "APPEND")) return Restriction::kAppend;
+  return Restriction::kNone;
+}
+
+// ASSIGN name, n, r [, restriction]: opens a file as number n, closing what n
+// had. "*" as the name only closes. The restriction is RR, WR or NR as a word,
+// or any string expression: RR opens for reading only; "TEXT" and "APPEND" a
+// text file; WR, NR and any other text read and write, programs sharing a
+// data file through LOCK.
 class AssignStmt final : public Statement {
  public:
   AssignStmt(FileUnits& units, StringExpPtr name, NumericExpPtr number,
-             std::unique_ptr<NumericVar> status, TokenCode restriction)
+             std::unique_ptr<NumericVar> status, TokenCode restriction, StringExpPtr restrictionExp)
       : units_(units),
         name_(std::move(name)),
         number_(std::move(number)),
         status_(std::move(status)),
-        restriction_(restriction) {}
+        restriction_(restriction),
+        restrictionExp_(std::move(restrictionExp)) {}
   Statement* Execute() override {
     std::string_view name = name_ ? name_->Evaluate(work_) : "*";
     if (g_err.run) return Fail(g_err.run);
@@ -130,12 +173,22 @@ class AssignStmt final : public Statement {
     float number = number_->Evaluate();
     FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
     if (!unit) return Fail(g_err.run);
+    Restriction restriction =
+        restriction_ == tok::kRr ? Restriction::kReadOnly : Restriction::kNone;
+    if (restrictionExp_) {
+      restriction = RestrictionOf(restrictionExp_->Evaluate(restrictionWork_));
+      if (g_err.run) return Fail(g_err.run);
+    }
+    // Text the file number still held is written first: a failure stops here.
+    if (ErrorCode code = unit->Close()) return Fail(code);
     float status = 0;
-    if (path == "*") {
-      unit->Close();
-    } else {
-      OpenStatus opened = unit->Open(path, restriction_ == tok::kRr);
-      if (ErrorCode code = NameError(opened)) return Fail(code);
+    if (path != "*") {
+      std::string note;
+      FileUnit::Ask ask = restriction == Restriction::kText     ? FileUnit::Ask::kText
+                          : restriction == Restriction::kAppend ? FileUnit::Ask::kAppend
+                                                                : FileUnit::Ask::kAny;
+      OpenStatus opened = unit->Open(path, restriction == Restriction::kReadOnly, ask, &note);
+      if (ErrorCode code = NameError(opened)) return Fail(NoteName(code, note));
       status = AssignStatus(opened);
     }
     status_->Assign(status);
@@ -143,7 +196,8 @@ class AssignStmt final : public Statement {
   }
   TokenCode Code() const override { return tok::kAssign; }
   size_t Size() const override {
-    return sizeof *this + (name_ ? name_->Size() : 0) + number_->Size() + status_->Size();
+    return sizeof *this + (name_ ? name_->Size() : 0) + number_->Size() + status_->Size() +
+           (restrictionExp_ ? restrictionExp_->Size() : 0);
   }
   void List(std::string& out) const override {
     out += "ASSIGN ";
@@ -157,6 +211,10 @@ class AssignStmt final : public Statement {
     status_->List(out);
     if (restriction_)
       out += restriction_ == tok::kRr ? ",RR" : restriction_ == tok::kWr ? ",WR" : ",NR";
+    if (restrictionExp_) {
+      out += ',';
+      restrictionExp_->List(out);
+    }
   }
 
  private:
@@ -164,8 +222,9 @@ class AssignStmt final : public Statement {
   StringExpPtr name_;  // null for "*"
   NumericExpPtr number_;
   std::unique_ptr<NumericVar> status_;
-  TokenCode restriction_;  // tok::kRr, kWr, kNr, or 0
-  StringValue work_;
+  TokenCode restriction_;        // written as a word: tok::kRr, kWr, kNr; else 0
+  StringExpPtr restrictionExp_;  // written as a string expression, or null
+  StringValue work_, restrictionWork_;
 };
 
 // CREATE r, name, records [, words]: a new file of empty records. r gets 0
@@ -227,11 +286,11 @@ class PurgeStmt final : public Statement {
   Statement* Execute() override {
     std::string_view name = name_->Evaluate(work_);
     if (g_err.run) return Fail(g_err.run);
-    std::string path;
+    std::string path, note;
     host::Place place;
-    int error = host::HostPath(name, &path);
+    int error = host::FindFile(name, host::FileKind::kData, &path, &note);
     if (!error) error = place.Resolve(path);
-    if (ErrorCode code = NameError(NameStatus(error))) return Fail(code);
+    if (ErrorCode code = NameError(NameStatus(error))) return Fail(NoteName(code, note));
     status_->Assign(error ? (NameStatus(error) == OpenStatus::kMissing ? 1.0f : 3.0f)
                           : Purge(place));
     return g_err.run ? Fail(g_err.run) : successor_;
@@ -270,7 +329,7 @@ class PurgeStmt final : public Statement {
   StringValue work_;
 };
 
-// CLOSE #n: the file number is free again.
+// CLOSE #n: the file number is free again, a text file's last lines written.
 class CloseFileStmt final : public Statement {
  public:
   CloseFileStmt(FileUnits& units, NumericExpPtr number)
@@ -279,7 +338,7 @@ class CloseFileStmt final : public Statement {
     float number = number_->Evaluate();
     FileUnit* unit = g_err.run ? nullptr : units_.Unit(number);
     if (!unit) return Fail(g_err.run);
-    unit->Close();
+    if (ErrorCode code = unit->Close()) return Fail(code);
     return successor_;
   }
   TokenCode Code() const override { return tok::kClose; }
@@ -294,18 +353,17 @@ class CloseFileStmt final : public Statement {
   NumericExpPtr number_;
 };
 
-// A FILES name: "*", a string literal, or the raw text up to the next "," or
-// the end of the statement, so that FILES DATA1,BOOKS/X.DAT read as written.
+// A FILES name: a string literal, or the raw text up to the next "," or the
+// end of the statement, blanks trimmed, so that FILES DATA1,BOOKS/X.DAT,*ZZ,$LIB
+// read as written; "*" alone is the free slot.
 bool ParseFilesName(StmtContext& p, std::vector<FilesName>* names) {
-  TokenCode code = p.GetToken();
-  if (code == tok::kStar || code == tok::kString) {
-    names->push_back({std::string(code == tok::kStar ? "*" : p.Text()), code == tok::kString});
+  if (p.Accept(tok::kString)) {
+    names->push_back({std::string(p.Text()), true});
     return true;
   }
-  p.BackUp();
   size_t from = p.Mark() ? p.Current().rawEnd : 0, to = from;
   for (;;) {
-    code = p.Peek();
+    TokenCode code = p.Peek();
     if (code == tok::kComma || code == tok::kEndOfLine || code == tok::kComment) break;
     p.GetToken();
     to = p.Current().rawEnd;
@@ -366,16 +424,19 @@ StatementPtr ParseAssign(StmtContext& p) {
   auto status = ExpectStatusVar(p);
   if (!status) return nullptr;
   TokenCode restriction = 0;
+  StringExpPtr restrictionExp;
   if (p.Accept(tok::kComma)) {
-    restriction = p.GetToken();
-    if (restriction != tok::kRr && restriction != tok::kWr && restriction != tok::kNr) {
-      bool missing = restriction == tok::kEndOfLine || restriction == tok::kComment;
+    TokenCode word = p.Peek();
+    if (word == tok::kRr || word == tok::kWr || word == tok::kNr) {
+      restriction = p.GetToken();
+    } else if (!(restrictionExp = ParseStringExp(p))) {
+      bool missing = word == tok::kEndOfLine || word == tok::kComment;
       SetParseError(missing ? err::kBadFileRestrictions : err::kBadFileRestriction);
       return nullptr;
     }
   }
   return std::make_unique<AssignStmt>(*p.run.files, std::move(name), std::move(number),
-                                      std::move(status), restriction);
+                                      std::move(status), restriction, std::move(restrictionExp));
 }
 
 StatementPtr ParseCreate(StmtContext& p) {

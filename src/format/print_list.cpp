@@ -282,6 +282,16 @@ bool AtStatementEnd(ExprContext& p) {
 
 }  // namespace
 
+PrintSpecPtr ParsePrintFunctionItem(ExprContext& p) {
+  TokenCode code = p.Peek();
+  if (code != tok::kFnTab && code != tok::kFnSpa && code != tok::kFnLin) return nullptr;
+  ParseAttempt attempt(p);
+  p.GetToken();
+  PrintSpecPtr item = ParsePrintFunction(p, code);
+  if (!item) return attempt.Fail();
+  return item;
+}
+
 // Items followed by another item without a separator are joined by a
 // none-group; a separator at the end of the statement becomes the end marker.
 bool ParsePrintList(ExprContext& p, PrintSpecPtr* items, PrintSpecPtr* end) {

@@ -28,6 +28,10 @@ using PrintSpecPtr = std::unique_ptr<PrintSpecList>;
 // items' tree and the end marker that closes it. False with the parse error
 // set (position restored) when an item is missing or malformed.
 bool ParsePrintList(ExprContext& prog, PrintSpecPtr* items, PrintSpecPtr* end);
+// TAB, SPA or LIN with its argument, for lists that take PRINT's functions
+// among other items (PRINT # to a text file). Null with the position restored
+// when none is next; the parse error is then set only for a malformed one.
+PrintSpecPtr ParsePrintFunctionItem(ExprContext& prog);
 
 // Layout steps shared by PRINT, PRINT USING and MAT PRINT.
 void NewPrintLine(PrintSink& out);  // CR then LF

@@ -133,6 +133,35 @@ constexpr const char* kNotes[] = {
 #endif
 };
 
+constexpr const char* kFileNames[] = {
+    "A file name is a path, relative to the working folder. A leading $ names",
+    "a file of the system library, the folder that the environment variable",
+    "BASIC_LIB names; a leading * one of the group library (BASIC_GROUP).",
+    "Unset, each is the working folder. CHAIN \"*TREK0\" runs TREK0 of the",
+    "group library; FILES GAME1,*,$LIB names files without quotes.",
+    "An existing file is found by its name, then (a program, for GET, APPEND,",
+    "MERGE, CHAIN and the command line) with .bas added, then ignoring case:",
+    "GET ADREAD loads adread.bas. Two files that match ignoring case are an",
+    "error. SAVE and CREATE write the name as typed. ./$X is a file named $X.",
+    "CATALOG $ and CATALOG * list the libraries.",
+};
+
+constexpr const char* kTextFiles[] = {
+    "A file that is no data file opens as a text file of plain lines.",
+    "ASSIGN \"LOG\",1,R,\"TEXT\" opens one and makes it, empty, when missing;",
+    "\"APPEND\" too, writing at its end. Otherwise the first PRINT # after",
+    "it is opened replaces the old text. Status 3 a text file, 6 read-only.",
+    "PRINT #1;list writes as PRINT does and ends the line unless , or ;",
+    "closes the list. MAT PRINT #1;A writes a row to a line, with commas.",
+    "LINPUT #1;A$ reads a whole line; READ #1;list and MAT READ #1 read",
+    "items separated by commas, as INPUT reads typed ones. TYP(1) gives 1",
+    "number, 2 string, 3 end; the end goes to IF END #1, else End-of-file.",
+    "A line longer than the DIM length is String overflow and stays to be",
+    "read. Bytes pass unchanged. READ #1,r, UPDATE, ADVANCE and LOCK are",
+    "refused. Output is written at CLOSE, at the end of the run and before",
+    "input. PURGE removes a text file only when it is empty.",
+};
+
 // HELP CLASSIC finds this topic before the command's one line: the General group
 // comes later in the tree.
 constexpr const char* kClassic[] = {
@@ -158,12 +187,16 @@ constexpr const char* kClassic[] = {
 constexpr HelpText kClassicText{kClassic};
 constexpr HelpText kIdentifiersText{kIdentifiers}, kOperatorsText{kOperators},
     kFormatsText{kFormats}, kNumericsText{kNumerics}, kStringsText{kStrings},
-    kConsoleText{kConsole}, kGraphicsText{kGraphics}, kNotesText{kNotes};
+    kConsoleText{kConsole}, kGraphicsText{kGraphics}, kFileNamesText{kFileNames},
+    kTextFilesText{kTextFiles}, kNotesText{kNotes};
 
 constexpr HelpEntry kGeneralEntries[] = {
-    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText}, {"Formats", &kFormatsText},
-    {"Numerics", &kNumericsText},       {"Strings", &kStringsText},     {"Console", &kConsoleText},
-    {"Graphics", &kGraphicsText},       {"Notes", &kNotesText},         {"Classic", &kClassicText},
+    {"Identifiers", &kIdentifiersText}, {"Operators", &kOperatorsText},
+    {"Formats", &kFormatsText},         {"Numerics", &kNumericsText},
+    {"Strings", &kStringsText},         {"Console", &kConsoleText},
+    {"Graphics", &kGraphicsText},       {"FileNames", &kFileNamesText},
+    {"TextFiles", &kTextFilesText},     {"Notes", &kNotesText},
+    {"Classic", &kClassicText},
 };
 
 constexpr HelpGroup kGeneral{kGeneralEntries};

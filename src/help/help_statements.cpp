@@ -10,11 +10,13 @@ namespace {
 constexpr const char* kAssign[] = {
     "ASSIGN <fileName>,<fileNumber>,<returnVar>[,<restriction>]",
     "ASSIGN *,<fileNumber>,<returnVar> - Close the file number.",
-    "Opens a data file as file <fileNumber> (1 to 16), closing what it had.",
-    "<returnVar> gets 0 opened, 1 opened read-only, 2 no such file,",
-    "3 not a data file, 4 damaged, 5 cannot be opened.",
+    "Opens a file as file <fileNumber> (1 to 16), closing what it had.",
+    "<returnVar> gets 0 opened, 1 opened read-only, 2 no such file, 3 a",
+    "text file opened, 4 damaged, 5 cannot be opened, 6 text, read-only.",
     "<restriction> RR opens for reading only; WR and NR read and write.",
-    "Other programs may have the file open too: see LOCK.",
+    "\"TEXT\" opens a text file, made when missing: its first PRINT # replaces",
+    "the old text. \"APPEND\" adds at its end. Other text (a lock word) opens",
+    "the file without restriction. Programs may share it: see LOCK.",
 };
 constexpr const char* kAdvance[] = {
     "ADVANCE #<fileNumber>;<count>,<returnVar> - Skip items in a file.",
@@ -35,8 +37,9 @@ constexpr const char* kChain[] = {
     "Loads, links and runs another program from its start or from",
     "<stmtIdentifier>; its COM variables take the values of this program's",
     "by position. Files are closed. On a failure <returnVar> gets the error",
-    "(1015 cannot open, 1016 bad lines, 2012 outside the sandbox, or the",
-    "link's) and the program goes on; without it the run stops.",
+    "(1015 cannot open, 1016 bad lines, 2012 outside the sandbox, 2014",
+    "two files match, or the link's) and the program goes on; without it",
+    "the run stops. <fileName> is found as GET finds it: HELP FILENAMES.",
 };
 constexpr const char* kClose[] = {
     "CLOSE @<gdiNumber>",
@@ -110,8 +113,10 @@ constexpr const char* kExtend[] = {
 };
 constexpr const char* kFiles[] = {
     "FILES <fileName>[,<fileNameList>]",
-    "Names the data files 1 to 16 in order; * keeps a number for ASSIGN.",
-    "Names may be written without quotes. RUN opens them all.",
+    "Names the files 1 to 16 in order; * keeps a number for ASSIGN. A file",
+    "that is no data file opens as a text file: HELP TEXTFILES.",
+    "Names may be written without quotes (FILES *ZZ,$LIB): HELP FILENAMES.",
+    "RUN opens them all.",
 };
 constexpr const char* kFor[] = {
     "FOR <numericVar> = <numericExp> TO <numericExp> [STEP <numericExp>]",
@@ -184,6 +189,7 @@ constexpr const char* kLock[] = {
 constexpr const char* kLinput[] = {
     "LINPUT [\"prompt\",]<stringVar>",
     "Reads a whole typed line, blanks, quotes and commas included.",
+    "LINPUT #<fileNumber>;<stringVar> - The next line of a text file.",
 };
 constexpr const char* kMat[] = {
     "MAT <array> = ZER[(<dims>)] - Zeros; CON ones, IDN identity.",
@@ -232,10 +238,10 @@ constexpr const char* kPrint[] = {
     "',' moves to the next 15-column zone, ';' joins items; a closing",
     "',' or ';' keeps the line open. Lines fold at the WIDTH.",
     "PRINT USING <stmtIdentifier>[;<usingList>]",
-    "PRINT USING <stringExp>[;<usingList>]",
-    "Prints the values through an IMAGE format (see IMAGE).",
-    "PRINT #<fileNumber>[,<record>];<valueList>[,END] - Write to a data file.",
-    "END writes an end-of-file mark; PRINT #n,r alone empties record r.",
+    "PRINT USING <stringExp>[;<usingList>] - Through a format: see IMAGE.",
+    "PRINT #<fileNumber>[,<record>];<valueList>[,END] - Write to a file.",
+    "END writes an end-of-file mark; PRINT #n,r alone empties record r;",
+    "to a text file PRINT # writes as PRINT does: HELP TEXTFILES.",
 };
 constexpr const char* kPurge[] = {
     "PURGE <returnVar>,<fileName> - Delete a data file.",
@@ -259,6 +265,7 @@ constexpr const char* kRead[] = {
     "or the ON END target.",
     "READ #<fileNumber>[,<record>];<readList> - Read from a data file.",
     "READ #<fileNumber>,<record> - Move to the start of a record.",
+    "A text file's items are read as INPUT reads typed ones.",
 };
 constexpr const char* kRem[] = {
     "REM <text> - Remark.",

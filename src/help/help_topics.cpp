@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr HelpLine kGet{"GET <fileName> - Load a program."};
+constexpr HelpLine kGet{"GET <fileName> - Load a program (how it is found: HELP FILENAMES)."};
 constexpr HelpLine kSave{"SAVE <fileName>[nolinenumbers] - Save loaded program."};
 constexpr HelpLine kList{"LIST [<start#> [<end#>]] - List loaded program."};
 constexpr HelpLine kRun{"RUN - Run loaded program."};

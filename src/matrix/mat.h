@@ -51,6 +51,8 @@ class MatArray {
   virtual ~MatArray() = default;
   virtual bool IsString() const = 0;
   virtual ArrayShape& Shape() const = 0;
+  // The longest text a text file may put in an element (StringVar::Room).
+  virtual uint32_t Room() const { return kMaxStringLength; }
   // Element i in row-major order; both kinds take both, a wrong one is ignored.
   virtual void Set(uint32_t i, float value) = 0;
   virtual void Set(uint32_t i, std::string_view text) = 0;

@@ -120,6 +120,9 @@ class StringMatArray final : public MatArray {
       : MatArray(std::move(bounds)), var_(std::move(var)) {}
   bool IsString() const override { return true; }
   ArrayShape& Shape() const override { return var_->Data(); }
+  uint32_t Room() const override {
+    return var_->Data().declared ? var_->Data().declared : kMaxStringLength;
+  }
   void Set(uint32_t, float) override {}
   void Set(uint32_t i, std::string_view text) override { var_->Data().elements[i].Assign(text); }
   void Put(uint32_t i, MatrixSink& sink) const override {

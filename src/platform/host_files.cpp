@@ -2,12 +2,15 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <strings.h>
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <vector>
 
@@ -95,12 +98,49 @@ std::string TempPrefix(const std::string& name) {
   return "." + name.substr(0, NAME_MAX - 16) + ".";
 }
 
+// The folder a library prefix names ("$" the system's, "*" the group's), or
+// null when its variable is unset or empty: the working folder.
+const char* LibraryFolder(char prefix) {
+  const char* folder = std::getenv(prefix == '$' ? "BASIC_LIB" : "BASIC_GROUP");
+  return folder && *folder ? folder : nullptr;
+}
+
+// The files of an opened folder other than folders whose names are name, or
+// also name + ".bas", once case is ignored; sorted.
+std::vector<std::string> CaseMatches(int folder, const std::string& name, bool program) {
+  std::vector<std::string> found;
+  int fd = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return found;
+  DIR* dir = fdopendir(fd);
+  if (!dir) {
+    close(fd);
+    return found;
+  }
+  std::string withBas = name + ".bas";
+  while (const dirent* entry = readdir(dir)) {
+    if (strcasecmp(entry->d_name, name.c_str()) != 0 &&
+        !(program && strcasecmp(entry->d_name, withBas.c_str()) == 0))
+      continue;
+    struct stat st;
+    if (fstatat(fd, entry->d_name, &st, 0) == 0 && S_ISDIR(st.st_mode)) continue;
+    found.emplace_back(entry->d_name);
+  }
+  closedir(dir);
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
 }  // namespace
 
 int SetSandbox(const std::string& folder) {
   g_roots.clear();
   g_sandboxed = true;  // even when the folder fails: nothing may be reached then
-  return AddSandboxRoot(folder);
+  int error = AddSandboxRoot(folder);
+  // The libraries' files are the system's own: a folder that does not exist
+  // is reported when a name uses it.
+  for (char prefix : {'$', '*'})
+    if (const char* library = LibraryFolder(prefix)) AddSandboxRoot(library);
+  return error;
 }
 
 int AddSandboxRoot(const std::string& folder) {
@@ -115,9 +155,61 @@ int AddSandboxRoot(const std::string& folder) {
 
 bool Sandboxed() { return g_sandboxed; }
 
-int HostPath(std::string_view name, std::string* path) {
+int HostPath(std::string_view name, std::string* path, std::string* note) {
+  if (note) note->clear();
   if (name.find('\0') != std::string_view::npos) return EINVAL;
-  path->assign(name);
+  char prefix = name.empty() ? 0 : name[0];
+  if (prefix != '$' && prefix != '*') {
+    path->assign(name);
+    return 0;
+  }
+  name.remove_prefix(1);
+  const char* folder = LibraryFolder(prefix);
+  if (!folder) {
+    path->assign(name);
+    return 0;
+  }
+  struct stat st;
+  if (stat(folder, &st) != 0 || !S_ISDIR(st.st_mode)) {
+    if (note) {
+      *note = prefix == '$' ? "system library " : "group library ";
+      *note += folder;
+      *note += " not found";
+    }
+    return ENOENT;
+  }
+  path->assign(folder);
+  if (path->back() != '/') *path += '/';
+  *path += name;
+  return 0;
+}
+
+int FindFile(std::string_view name, FileKind kind, std::string* path, std::string* note) {
+  if (int error = HostPath(name, path, note)) return error;
+  struct stat st;
+  // Without a sandbox the path itself decides, so that /dev/stdin is found.
+  if (path->empty() || path->back() == '/' || (!g_sandboxed && stat(path->c_str(), &st) == 0))
+    return 0;
+  std::string folder, last;
+  SplitLast(*path, &folder, &last);
+  Place place;
+  int error = place.Resolve(*path);
+  if (error == kOutside) return error;
+  // A folder that cannot be had, a file that is there, or a link to nothing:
+  // the open tells which.
+  if (error || place.Stat(&st) == 0 || place.Name() != last) return 0;
+  bool program = kind == FileKind::kProgram;
+  std::string withBas = last + ".bas";
+  if (program && fstatat(place.Folder(), withBas.c_str(), &st, 0) == 0) {
+    *path += ".bas";
+    return 0;
+  }
+  std::vector<std::string> found = CaseMatches(place.Folder(), last, program);
+  if (found.size() > 1) {
+    if (note) *note = "both " + found[0] + " and " + found[1] + " match";
+    return kAmbiguous;
+  }
+  if (found.size() == 1) path->replace(path->size() - last.size(), last.size(), found[0]);
   return 0;
 }
 

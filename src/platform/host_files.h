@@ -17,17 +17,36 @@ namespace host {
 // The error of a name that leads outside the sandbox (the kernel's own for an
 // escape from a confined lookup).
 inline constexpr int kOutside = EXDEV;
+// The error of a name that matches two files once case is ignored.
+inline constexpr int kAmbiguous = ENOTUNIQ;
 
-// Confines every later file operation to folder and below: 0, or the error of
-// a folder that cannot be opened.
+// Confines every later file operation to folder and below, and to the library
+// folders that exist: 0, or the error of a folder that cannot be opened.
 int SetSandbox(const std::string& folder);
 // Another folder whose files count as inside the sandbox: 0 or errno.
 int AddSandboxRoot(const std::string& folder);
 bool Sandboxed();
 
-// The host path a user's name stands for: 0, or EINVAL for a name that no file
-// can have (one holding a NUL byte, which the system would cut it at).
-int HostPath(std::string_view name, std::string* path);
+// The host path a user's name stands for, as written: 0, or EINVAL for a name
+// that no file can have (one holding a NUL byte, which the system would cut it
+// at). A leading "$" names a file of the system library, the folder that
+// BASIC_LIB names, and a leading "*" one of the group library (BASIC_GROUP);
+// unset or empty, each is the working folder. A library folder that does not
+// exist is ENOENT, with *note naming it ("no folder /x") when note is given.
+int HostPath(std::string_view name, std::string* path, std::string* note = nullptr);
+
+// What a name of an existing file is looked for as: data files by their name,
+// programs also with ".bas" added.
+enum class FileKind { kData, kProgram };
+
+// The host path of an existing file a user names, as a user of old listings on
+// a Linux disk expects it found: the name as written, then (for a program) the
+// name with ".bas", then a file of the folder whose name is either of them once
+// case is ignored. 0 with *path the file found, or the name as written when
+// none is (the open then fails as it would); the errors of HostPath, kOutside
+// for a folder outside the sandbox, or kAmbiguous when two files match once
+// case is ignored, with *note naming both.
+int FindFile(std::string_view name, FileKind kind, std::string* path, std::string* note = nullptr);
 
 // The folder of a host path, opened (and under the sandbox checked), and the
 // last component of the path in it.

@@ -15,6 +15,7 @@ namespace {
 volatile sig_atomic_t g_endSignal = 0;  // the signal that asked the process to end
 bool g_outputLossEnds = false;
 void (*g_flush)() = nullptr;
+void (*g_flushFiles)() = nullptr;
 
 void OnInterrupt(int) { g_breakFlag.fetch_or(async::kBreak, std::memory_order_relaxed); }
 
@@ -49,6 +50,7 @@ void RequestEnd(int sig) {
 
 [[noreturn]] void EndProcess() {
   int sig = g_endSignal ? g_endSignal : SIGTERM;
+  if (g_flushFiles) g_flushFiles();
   if (g_flush) g_flush();
   RestoreTerminal();
   signal(sig, SIG_DFL);
@@ -81,7 +83,14 @@ void InstallSignalHandlers(bool outputLossEnds) {
 void SetFlushHook(void (*flush)()) { g_flush = flush; }
 
 void FlushOutput() {
+  FlushFiles();
   if (g_flush) g_flush();
+}
+
+void SetFileFlushHook(void (*flush)()) { g_flushFiles = flush; }
+
+void FlushFiles() {
+  if (g_flushFiles) g_flushFiles();
 }
 
 BreakableWait::BreakableWait() {

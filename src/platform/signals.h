@@ -9,8 +9,13 @@ void InstallSignalHandlers(bool outputLossEnds);
 
 // What flushes the process's output before it ends or when the flush timer is due.
 void SetFlushHook(void (*flush)());
-// Flushes the output now, so that it is seen during a wait that may be long.
+// Flushes the output now, so that it is seen during a wait that may be long;
+// the files' output too.
 void FlushOutput();
+// What flushes the text files a run writes: before input is read, before a
+// wait, and before the process ends on a signal.
+void SetFileFlushHook(void (*flush)());
+void FlushFiles();
 
 // While one lives, Ctrl+C interrupts a blocking system call (EINTR) instead of
 // letting it restart, so that a wait on another process can be broken.

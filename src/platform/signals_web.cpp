@@ -9,6 +9,7 @@
 namespace {
 
 void (*g_flush)() = nullptr;
+void (*g_flushFiles)() = nullptr;
 
 // A terminal shows each line as it ends; the page gets the output in batches this often.
 constexpr int kFlushMs = 25;
@@ -20,7 +21,14 @@ void InstallSignalHandlers(bool) {}
 void SetFlushHook(void (*flush)()) { g_flush = flush; }
 
 void FlushOutput() {
+  FlushFiles();
   if (g_flush) g_flush();
+}
+
+void SetFileFlushHook(void (*flush)()) { g_flushFiles = flush; }
+
+void FlushFiles() {
+  if (g_flushFiles) g_flushFiles();
 }
 
 // One program runs in a page: no other process holds a lock to wait for.

@@ -51,8 +51,15 @@ ErrorCode Program::Chain(const std::string& path, const ChainStart& start, bool 
                          bool* linkError) {
   SourceFile file;
   if (!file.Open(path)) {
-    if (file.Error() == host::kOutside) return err::kOutsideSandbox;
-    return file.Error() == EINVAL ? err::kBadFileName : err::kChainOpen;
+    ErrorCode code = err::kChainOpen;
+    if (file.Error() == host::kOutside)
+      code = err::kOutsideSandbox;
+    else if (file.Error() == EINVAL)
+      code = err::kBadFileName;
+    else if (file.Error() == host::kAmbiguous)
+      code = err::kAmbiguousName;
+    SetErrorNote(code, file.Note());
+    return code;
   }
   std::unique_ptr<Program> next = LoadProgram(file, path, report);
   bool loaded = next->BadLines() == 0 && file.Limit() == 0 &&

@@ -32,7 +32,7 @@ bool SourceFile::Open(std::string_view name, Kind kind) {
   // Without O_NONBLOCK, opening a FIFO would wait for a writer.
   int flags = O_RDONLY | (kind == Kind::kRegular ? O_NONBLOCK : 0);
   std::string path;
-  error_ = host::HostPath(name, &path);
+  error_ = host::FindFile(name, host::FileKind::kProgram, &path, &note_);
   if (error_) return false;
   fd_ = host::OpenHostFile(path, flags);
   if (fd_ < 0) {
@@ -262,8 +262,9 @@ SaveResult CheckTarget(const host::Place& place, int* error) {
 
 }  // namespace
 
-const char* RefusalNote(int error) {
-  return error == host::kOutside ? " (outside the sandbox)" : "";
+std::string RefusalNote(int error, const std::string& note) {
+  if (error == host::kOutside) return " (outside the sandbox)";
+  return note.empty() ? "" : " (" + note + ")";
 }
 
 std::string SavedText(const Program& prog, bool numbers) {
@@ -284,9 +285,9 @@ std::string SavedText(const Program& prog, bool numbers) {
 }
 
 SaveResult SaveProgram(const Program& prog, const std::string& name, bool numbers) {
-  std::string text = SavedText(prog, numbers), path;
+  std::string text = SavedText(prog, numbers), path, note;
   host::Place place;
-  int error = host::HostPath(name, &path);
+  int error = host::HostPath(name, &path, &note);
   if (!error) error = place.Resolve(path);
   struct stat st;
   SaveResult result = SaveResult::kOpen;
@@ -305,7 +306,7 @@ SaveResult SaveProgram(const Program& prog, const std::string& name, bool number
   }
   Console& con = TheConsole();
   if (result == SaveResult::kOpen)
-    con.Printf("Cannot open %s for output%s.\n", name.c_str(), RefusalNote(error));
+    con.Printf("Cannot open %s for output%s.\n", name.c_str(), RefusalNote(error, note).c_str());
   else if (result == SaveResult::kWrite)
     con.Printf("Cannot write %s: %s.\n", name.c_str(), std::strerror(error));
   else if (result == SaveResult::kDataFile)

@@ -25,11 +25,13 @@ class SourceFile {
   enum class Kind { kRegular, kAny };
 
   ~SourceFile();
-  // GET's way in, shared by every command that reads a program file: false
-  // with Error() set when the file cannot be had (host::kOutside for a name
-  // outside the sandbox).
+  // GET's way in, shared by every command that reads a program file: the name
+  // is found as host::FindFile finds a program. False with Error() set when the
+  // file cannot be had (host::kOutside for a name outside the sandbox,
+  // host::kAmbiguous for one that two files match), and Note() saying more.
   bool Open(std::string_view name, Kind kind = Kind::kRegular);
   int Error() const { return error_; }
+  const std::string& Note() const { return note_; }
   // The next line without its line feed; false at the end of the file or at a limit.
   bool GetLine(std::string& line);
   unsigned LineCount() const { return lines_; }  // line ends read so far
@@ -41,6 +43,7 @@ class SourceFile {
 
   int fd_ = -1;
   int error_ = 0;
+  std::string note_;
   char buffer_[2048];
   int pos_ = 0, end_ = 0;
   bool ended_ = false;  // Ctrl-Z, the end of the file, a read error or a limit was met
@@ -67,5 +70,6 @@ enum class SaveResult { kSaved, kOpen, kWrite, kDataFile };
 // not regular refused.
 SaveResult SaveProgram(const Program& prog, const std::string& path, bool numbers);
 
-// " (outside the sandbox)" for that error, else "": what a refusal adds to a message.
-const char* RefusalNote(int error);
+// What a refusal adds to a message, in parentheses: " (outside the sandbox)",
+// " (" note ")", or nothing.
+std::string RefusalNote(int error, const std::string& note);

@@ -135,8 +135,13 @@ ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
         } else if (prog->chained) {
           // CHAIN: the program left keeps no files; a chained one goes away.
           std::unique_ptr<Program> incoming = std::move(prog->chained);
+          if (ErrorCode code = run->files->CloseAll()) {
+            // The caller's text could not be written: the run stops at its CHAIN.
+            Raise(code, s->Location());
+            SetErrorFile(fileName);
+            break;
+          }
           s = prog->chainStart;
-          run->files->CloseAll();
           owned = std::move(incoming);
           prog = owned.get();
           run = &prog->run;
@@ -169,10 +174,14 @@ ErrorCode Drive(Program& first, bool keepsProgram, Console& con, Statement* s) {
     resume = nullptr;
   }
   run->current = s;
-  if (keepsProgram && prog == &first && resume)
+  if (keepsProgram && prog == &first && resume) {
     first.run.resume = resume;
-  else
-    run->files->CloseAll();
+    FlushFiles();  // what the run wrote is in its files while it waits
+  } else if (ErrorCode unwritten = run->files->CloseAll()) {
+    // Text the run wrote and could not write out is an error of its last statement.
+    if (!g_err.run || g_err.run == err::kStop || g_err.run == err::kEnd)
+      Raise(unwritten, s->Location());
+  }
   prog->chained.reset();  // a CHAIN that a break overtook
   con.RestoreDefaults();
   ErrorCode code = g_err.run;
@@ -204,16 +213,17 @@ ErrorCode Continue(Program& prog, Console& con) { return Drive(prog, true, con, 
 
 void ReportRunError(bool statementWording) {
   Console& con = TheConsole();
-  const char* message = MessageOf(g_err.run);
+  std::string message = MessageOf(g_err.run);
+  if (g_err.noteCode == g_err.run && !g_err.note.empty()) message += " (" + g_err.note + ")";
   con.Write("\n");
   if (g_err.run != err::kBreak) con.Write("ERROR ");
   if (g_err.location & loc::kStmtNumber)
-    con.Printf("%s in %s %u", message, statementWording ? "statement number" : "line",
+    con.Printf("%s in %s %u", message.c_str(), statementWording ? "statement number" : "line",
                loc::Number(g_err.location));
   else if (g_err.location & loc::kFileLine)
-    con.Printf("%s in file line %u", message, loc::Number(g_err.location));
+    con.Printf("%s in file line %u", message.c_str(), loc::Number(g_err.location));
   else
-    con.Printf("%s", message);
+    con.Printf("%s", message.c_str());
   if (!g_err.file.empty())
     con.Printf(" in file \"%s\"\n", g_err.file.c_str());
   else

@@ -86,6 +86,7 @@ struct FileFormRow {
 
 constexpr FileFormRow kFileForms[] = {
     {tok::kRead, 0, ParseReadFile},
+    {tok::kLinput, 0, ParseLinputFile},
     {tok::kPrint, 0, ParsePrintFile},
     {tok::kUpdate, 0, ParseUpdateFile},
     {tok::kClose, 0, ParseCloseFile},

@@ -549,7 +549,8 @@ std::unique_ptr<Program> Shell::LoadNamed(const char* line) {
   if (name.empty()) return nullptr;
   SourceFile file;
   if (!file.Open(name)) {
-    con_.Printf("Unable to open %s%s.\n", name.c_str(), RefusalNote(file.Error()));
+    con_.Printf("Unable to open %s%s.\n", name.c_str(),
+                RefusalNote(file.Error(), file.Note()).c_str());
     return nullptr;
   }
   return LoadProgram(file, name, true);
@@ -987,7 +988,8 @@ int RunFile(const char* path, bool strict) {
   if (!file.Open(path, SourceFile::Kind::kAny)) {
     ErrorStreamScope errors(strict);
     PrintBanner();
-    TheConsole().Printf("\nUnable to open %s%s.\n", path, RefusalNote(file.Error()));
+    TheConsole().Printf("\nUnable to open %s%s.\n", path,
+                        RefusalNote(file.Error(), file.Note()).c_str());
     TheConsole().Flush();
     return strict ? 1 : -1;
   }

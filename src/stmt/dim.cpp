@@ -62,7 +62,8 @@ class DimNumericArraySpec final : public DimSpec {
   std::vector<uint32_t> bounds_;
 };
 
-// A string array; length 0 when none was declared (the length is only listed).
+// A string array; length 0 when none was declared (the length limits only
+// what a text file puts in an element).
 class DimStringArraySpec final : public DimSpec {
  public:
   DimStringArraySpec(const VarToken* name, std::vector<uint32_t> bounds, uint32_t length)
@@ -70,7 +71,9 @@ class DimStringArraySpec final : public DimSpec {
   ErrorCode Link(StmtContext& prog) const override {
     auto& slot = prog.variables.StringArray(name_);
     if (slot) return err::kDimensionedTwice;
-    return MakeStringArray(name_, DimensionList(bounds_), &slot);
+    ErrorCode code = MakeStringArray(name_, DimensionList(bounds_), &slot);
+    if (!code) slot->declared = length_;
+    return code;
   }
   CommonEntry Entry(StmtContext& prog) const override {
     return prog.variables.StringArray(name_).get();
@@ -89,14 +92,14 @@ class DimStringArraySpec final : public DimSpec {
   uint32_t length_;
 };
 
-// A string scalar with its declared length, which does not limit its values;
-// COM also takes one without a length (0).
+// A string scalar with its declared length, which limits only what a text
+// file puts in it; COM also takes one without a length (0).
 class DimStringSimpleSpec final : public DimSpec {
  public:
   DimStringSimpleSpec(const VarToken* name, uint32_t length) : DimSpec(name), length_(length) {}
   ErrorCode Link(StmtContext& prog) const override {
     if (prog.variables.FindStringSimple(name_)) return err::kDimensionedTwice;
-    prog.variables.StringSimple(name_);
+    prog.variables.StringSimple(name_)->declared = length_;
     return 0;
   }
   CommonEntry Entry(StmtContext& prog) const override { return prog.variables.StringSimple(name_); }

@@ -33,7 +33,9 @@ class SleepStmt final : public Statement {
     float ms = time_->Evaluate();
     if (g_err.run) return successor_;
     if (!(ms >= 1.0f)) return Fail(err::kArgOutOfRange);
-    run_.console->Flush();  // what was printed before the pause is seen during it
+    // What was printed before the pause is seen during it, in the files too.
+    FlushFiles();
+    run_.console->Flush();
     // Beyond 2^50 ms (35,000 years) every pause is the same.
     PauseMs(static_cast<uint64_t>(conv::ToIntClamped(ms, 1, int64_t{1} << 50, 1)));
     return successor_;

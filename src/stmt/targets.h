@@ -14,6 +14,8 @@ class Target {
  public:
   virtual ~Target() = default;
   virtual bool IsString() const = 0;
+  // The longest text a text file may put in a string target (StringVar::Room).
+  virtual uint32_t Room() const { return kMaxStringLength; }
   virtual void Assign(float value) = 0;
   virtual void Assign(std::string_view text) = 0;
   virtual size_t Size() const = 0;
@@ -37,6 +39,7 @@ class StringTarget final : public Target {
  public:
   explicit StringTarget(std::unique_ptr<StringVar> var) : var_(std::move(var)) {}
   bool IsString() const override { return true; }
+  uint32_t Room() const override { return var_->Room(); }
   void Assign(float) override {}
   void Assign(std::string_view text) override { var_->Assign(text); }
   size_t Size() const override { return sizeof *this + var_->Size(); }

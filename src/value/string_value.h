@@ -12,6 +12,9 @@ inline void CopyChars(char* to, std::string_view from) {
   if (!from.empty()) std::memmove(to, from.data(), from.size());
 }
 
+// The longest string: a longer result raises "String overflow".
+inline constexpr uint32_t kMaxStringLength = 0x7FFFFFF;
+
 class StringValue {
  public:
   // The smallest multiple of 32 above a length: every buffer keeps room for its NUL.

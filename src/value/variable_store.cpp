@@ -23,7 +23,7 @@ std::unique_ptr<NumericScriptData>& VariableStore::NumericArray(const VarToken* 
 
 StringSimpleData* VariableStore::StringSimple(const VarToken* name) {
   auto& slot = Slot(strSimple_, name);
-  if (!slot) slot = std::make_unique<StringSimpleData>(StringSimpleData{name, StringValue()});
+  if (!slot) slot = std::make_unique<StringSimpleData>(StringSimpleData{name, StringValue(), 0});
   return slot.get();
 }
 

@@ -42,6 +42,7 @@ seed() {  # target folder
       } ;;
     data_file_fuzz) cp "$here"/seeds/data_file/* "$2"/ ;;
     data_journal_fuzz) cp "$here"/seeds/data_journal/* "$2"/ ;;
+    text_file_fuzz) cp "$here"/seeds/text_file/* "$2"/ ;;
   esac
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -87,6 +88,64 @@ TEST_F(HostFiles, TemporariesAreTheirOwn) {
   }
   EXPECT_EQ(fs::file_size(Path("a/target")), 5u);
   EXPECT_EQ(Entries(dir_ / "a"), 1u);
+}
+
+// The library prefixes map to their folders, or to the working folder when unset.
+TEST_F(HostFiles, LibraryPrefixes) {
+  std::string path, note;
+  unsetenv("BASIC_LIB");
+  setenv("BASIC_GROUP", "", 1);
+  EXPECT_EQ(host::HostPath("$LIB", &path), 0);
+  EXPECT_EQ(path, "LIB");
+  EXPECT_EQ(host::HostPath("*ZZ", &path), 0);
+  EXPECT_EQ(path, "ZZ");
+  setenv("BASIC_LIB", Path("a").c_str(), 1);
+  setenv("BASIC_GROUP", (Path("c") + "/").c_str(), 1);
+  EXPECT_EQ(host::HostPath("$LIB", &path, &note), 0);
+  EXPECT_EQ(path, Path("a/LIB"));
+  EXPECT_EQ(host::HostPath("*sub/ZZ", &path), 0);
+  EXPECT_EQ(path, Path("c/sub/ZZ"));
+  EXPECT_EQ(host::HostPath("x$*", &path), 0);  // only a leading one is a prefix
+  EXPECT_EQ(path, "x$*");
+  // A library folder that is not there is named.
+  setenv("BASIC_GROUP", Path("none").c_str(), 1);
+  EXPECT_EQ(host::HostPath("*ZZ", &path, &note), ENOENT);
+  EXPECT_EQ(note, "group library " + Path("none") + " not found");
+  EXPECT_EQ(host::FindFile("*ZZ", host::FileKind::kData, &path, &note), ENOENT);
+  EXPECT_EQ(host::HostPath("$LIB", &path, &note), 0);
+  EXPECT_EQ(note, "");
+  unsetenv("BASIC_LIB");
+  unsetenv("BASIC_GROUP");
+}
+
+// An existing file: its name, then with .bas for a program, then ignoring case.
+TEST_F(HostFiles, NamesAreFoundAsOldListingsExpect) {
+  auto find = [](const std::string& name, host::FileKind kind, std::string* note = nullptr) {
+    std::string path;
+    int error = host::FindFile(name, kind, &path, note);
+    return error ? "error " + std::to_string(error) : path;
+  };
+  const auto data = host::FileKind::kData, program = host::FileKind::kProgram;
+  std::ofstream(Path("a/adread.bas")) << "10 END\n";
+  std::ofstream(Path("a/SCORES")) << "";
+  std::ofstream(Path("a/trek")) << "";
+  std::ofstream(Path("a/TREK.bas")) << "";
+  fs::create_directories(dir_ / "a/Games");
+  EXPECT_EQ(find(Path("a/ADREAD"), program), Path("a/adread.bas"));
+  EXPECT_EQ(find(Path("a/ADREAD"), data), Path("a/ADREAD"));  // data files get no .bas
+  EXPECT_EQ(find(Path("a/Adread.BAS"), data), Path("a/adread.bas"));
+  EXPECT_EQ(find(Path("a/scores"), data), Path("a/SCORES"));
+  // The exact name wins over .bas, and .bas over case.
+  EXPECT_EQ(find(Path("a/trek"), program), Path("a/trek"));
+  EXPECT_EQ(find(Path("a/TREK"), program), Path("a/TREK.bas"));
+  // Two matches once case is ignored are named; folders never match.
+  std::string note;
+  EXPECT_EQ(find(Path("a/Trek"), program, &note), "error " + std::to_string(host::kAmbiguous));
+  EXPECT_EQ(note, "both TREK.bas and trek match");
+  EXPECT_EQ(find(Path("a/GAMES"), data), Path("a/GAMES"));
+  EXPECT_EQ(find(Path("a/nothing"), program), Path("a/nothing"));
+  EXPECT_EQ(find(Path("none/x"), data), Path("none/x"));
+  EXPECT_EQ(find(std::string("x\0", 2), data), "error " + std::to_string(EINVAL));
 }
 
 }  // namespace

@@ -1,0 +1,25 @@
+10 REM Text files: 1,000,000 lines written with PRINT # and read back with LINPUT #
+20 FILES *
+30 DIM W$(10),L$[20]
+40 FOR I=1 TO 10
+50 READ W$(I)
+60 NEXT I
+70 ASSIGN "lines.txt",1,R,"TEXT"
+80 FOR I=1 TO 1000000
+90 PRINT #1;W$(I MOD 10+1)
+100 NEXT I
+110 ASSIGN "lines.txt",1,R
+120 S=0
+130 FOR I=1 TO 1000000
+140 LINPUT #1;L$
+150 S=S+LEN(L$)
+160 IF S>100000 THEN S=S-100000
+170 NEXT I
+180 PRINT "READ";S
+190 REM Emptied, as PURGE removes only data files and empty ones
+200 ASSIGN "lines.txt",1,R,"TEXT"
+210 PRINT #1;END
+220 ASSIGN *,1,R
+230 PURGE R,"lines.txt"
+240 DATA "ALPHA","BRAVO","CHARLIE","DELTA","ECHO"
+250 DATA "FOXTROT","GOLF","HOTEL","INDIA","JULIETT"
