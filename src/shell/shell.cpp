@@ -496,6 +496,7 @@ void Shell::Immediate(TokenCode keyword) {
   SetParseError(0);
   prog_->run.console = &con_;
   Reference* lastRef = prog_->References().Last();
+  prog_->ReadClassicWords();
   // Through the table, so that PRINT # is the data-file statement, as in a program.
   StatementPtr stmt = ParseKeywordStatement(*prog_, keyword);
   if (stmt && prog_->GetToken() != tok::kEndOfLine) {
