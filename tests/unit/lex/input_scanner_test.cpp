@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "base/dialect.h"
-
 #include <string>
 #include <vector>
+
+#include "base/dialect.h"
 
 namespace {
 
