@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "lex/token.h"
+
 class PrintSink;
 class ExprContext;
 
@@ -28,6 +30,9 @@ using PrintSpecPtr = std::unique_ptr<PrintSpecList>;
 // items' tree and the end marker that closes it. False with the parse error
 // set (position restored) when an item is missing or malformed.
 bool ParsePrintList(ExprContext& prog, PrintSpecPtr* items, PrintSpecPtr* end);
+
+// TAB, SPA or LIN with its parenthesised argument, the name (code) consumed.
+PrintSpecPtr ParsePrintFunction(ExprContext& prog, TokenCode code);
 
 // Layout steps shared by PRINT, PRINT USING and MAT PRINT.
 void NewPrintLine(PrintSink& out);  // CR then LF

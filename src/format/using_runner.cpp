@@ -183,9 +183,16 @@ bool LayPicture(double x, const FormatItem& field, std::string_view positions, c
 
 }  // namespace
 
-ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values) {
+ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values, int64_t column) {
   line_.clear();
   taken_ = 0;
+  startColumn_ = column;
+  // Print functions act where they stand in the list: those before the first
+  // value at once, the others right after the value before them.
+  if (!PlaceFunctions(values)) {
+    line_.clear();
+    return err::kStringOverflow;
+  }
   for (;;) {
     uint32_t before = taken_;
     if (ErrorCode code = Pass(format, values)) {
@@ -248,6 +255,7 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
             char buffer[kNumberBufferSize];
             fits = Text(PrintedText(value.number, buffer), item);
           }
+          if (fits) fits = PlaceFunctions(values);
         }
         break;
       case FormatItem::kBlanks:
@@ -280,6 +288,27 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
     }
     if (!fits) return err::kStringOverflow;
   }
+}
+
+bool FormatRunner::PlaceFunctions(UsingValues& values) {
+  LineSink sink(*this);
+  size_t start = line_.find_last_of('\r');
+  sink.column_ = start == std::string::npos ? startColumn_ + static_cast<int64_t>(line_.size())
+                                            : static_cast<int64_t>(line_.size() - start - 1);
+  values.PlaceFunctions(sink);
+  return !sink.overflow_;
+}
+
+void FormatRunner::LineSink::Print(char c) {
+  if (!runner_.Fill(c, 1)) {
+    overflow_ = true;
+    return;
+  }
+  column_ = c == '\r' ? 0 : column_ + 1;
+}
+
+void FormatRunner::LineSink::Print(std::string_view text) {
+  for (char c : text) Print(c);
 }
 
 bool FormatRunner::Fill(char c, size_t n) {
