@@ -233,6 +233,14 @@ bool Shell::Dispatch(const char* line) {
     return true;
   }
   unsigned command = code >= tok::kFirstCoded || code == tok::kWord ? CommandOf(prog_->Text()) : 0;
+  if (command == 0 && g_classic && tok::Category(code) == tok::kNumVar) {
+    // PRINTA typed at the shell: the classic reading finds the keyword in it.
+    prog_->StartLine(line);
+    prog_->ReadClassicWords();
+    code = prog_->GetToken();
+    if (code >= tok::kFirstCoded) command = CommandOf(prog_->Text());
+    if (command != kPrint && command != kRandomize) command = 0;
+  }
   switch (command) {
     case kList:
       List();
