@@ -68,7 +68,8 @@ constexpr const char* kCreate[] = {
 constexpr const char* kData[] = {
     "DATA <dataSpec> [,<dataSpecList>]",
     "<dataSpec> ::= <numericConstant> | <stringLiteral>",
-    "Constants for READ, read in program order.",
+    "Constants for READ, read in program order. A number may have a sign",
+    "(+.12, -7); text must be quoted: DATA NAN or DATA YES is \"Bad Constant\".",
 };
 constexpr const char* kDef[] = {
     "DEF <fnName>(<parameterList>)=<numericExp>",
