@@ -292,19 +292,28 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
 
 bool FormatRunner::PlaceFunctions(UsingValues& values) {
   LineSink sink(*this);
-  size_t start = line_.find_last_of('\r');
-  sink.column_ = start == std::string::npos ? startColumn_ + static_cast<int64_t>(line_.size())
-                                            : static_cast<int64_t>(line_.size() - start - 1);
   values.PlaceFunctions(sink);
   return !sink.overflow_;
 }
 
-void FormatRunner::LineSink::Print(char c) {
-  if (!runner_.Fill(c, 1)) {
-    overflow_ = true;
-    return;
+// The characters after the line's last carriage return, line feeds not
+// counted; found only when a print function asks.
+int64_t FormatRunner::LineSink::Column() const {
+  if (column_ < 0) {
+    const std::string& line = runner_.line_;
+    size_t start = line.find_last_of('\r');
+    start = start == std::string::npos ? 0 : start + 1;
+    column_ = start == 0 ? runner_.startColumn_ : 0;
+    for (size_t i = start; i < line.size(); ++i) column_ += line[i] != '\n';
   }
-  column_ = c == '\r' ? 0 : column_ + 1;
+  return column_;
+}
+
+// The column moves on past an overflow too, so that TAB's loop ends.
+void FormatRunner::LineSink::Print(char c) {
+  int64_t column = Column();
+  if (!overflow_ && !runner_.Fill(c, 1)) overflow_ = true;
+  column_ = c == '\r' ? 0 : column + (c != '\n');
 }
 
 void FormatRunner::LineSink::Print(std::string_view text) {

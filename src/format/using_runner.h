@@ -65,14 +65,16 @@ class FormatRunner final {
     explicit LineSink(FormatRunner& runner) : runner_(runner) {}
     void Print(char c) override;
     void Print(std::string_view text) override;
-    int64_t Column() const override { return column_; }
+    int64_t Column() const override;
     int Width() const override { return 0; }
-    int CursorX() const override { return static_cast<int>(std::min<int64_t>(column_, INT32_MAX)); }
-    int64_t column_ = 0;
+    int CursorX() const override {
+      return static_cast<int>(std::min<int64_t>(Column(), INT32_MAX));
+    }
     bool overflow_ = false;
 
    private:
     FormatRunner& runner_;
+    mutable int64_t column_ = -1;  // -1 until asked for
   };
 
   ErrorCode Pass(const ImageFormat& format, UsingValues& values);
