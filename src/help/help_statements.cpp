@@ -160,6 +160,7 @@ constexpr const char* kInput[] = {
     "INPUT [\"prompt\",]<variable>[,<variableList>]",
     "Typed items are separated by ','; a prompt replaces the '?'.",
     "An empty line ends INPUT and leaves the rest as they were.",
+    "A signed item (-40) is text; with CLASSIC ON it is a number.",
 };
 constexpr const char* kLet[] = {
     "[LET] <assignment> [;<assignmentList>]",
