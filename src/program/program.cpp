@@ -1,6 +1,7 @@
 #include "program/program.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "expr/numeric_exp.h"
 #include "files/file_functions.h"
@@ -106,6 +107,21 @@ void Program::Delete(Statement* stmt) {
 
 // --- Parsing and listing.
 
+namespace {
+
+// Whether text holds a run of letters and digits longer than a name keeps: such a
+// name is cut on entry, and its listing could then read the classic way.
+bool HoldsOverlongWord(std::string_view text) {
+  size_t run = 0;
+  for (char c : text) {
+    run = std::isalnum(static_cast<unsigned char>(c)) || c == '_' ? run + 1 : 0;
+    if (run > VarToken::kMaxName) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 // Label, statement and trailing comment into line; false when the line fails.
 bool Program::ParseStatements(std::vector<StatementPtr>& line) {
   StatementPtr stmt;
@@ -156,7 +172,7 @@ std::vector<StatementPtr> Program::ParseLine() {
   }
   whole.Rewind();
   bool failed = !ParseStatements(line);
-  if (failed && classic) {
+  if (failed && classic && !HoldsOverlongWord(raw)) {
     // Keywords run into names come first; a line that fails that way may
     // still be one of this dialect's own, with long names and labels.
     ErrorCode classicError = g_err.parse;

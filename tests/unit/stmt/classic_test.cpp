@@ -177,6 +177,10 @@ TEST(ClassicCrunched, LongNamesWhenTheKeywordReadingFails) {
   EXPECT_EQ(Listing("LET TOTAL=COUNT+1"), "LET TOTAL=COUNT+1");
   EXPECT_EQ(Listing("GOTO DONE"), "GOTO DONE:");
   EXPECT_NE(ParseErrorOf("FORI=1TO"), 0u);
+  // A name longer than names keep is cut, and its listing could then read the
+  // keyword way: such a line gets no second reading.
+  std::string overlong = "LET " + std::string(70, 'Q') + "NR=1";
+  EXPECT_NE(ParseErrorOf(overlong.c_str()), 0u);
   // Where both readings parse, the keyword reading wins.
   EXPECT_EQ(Listing("PRINT AB"), "PRINT A B");
 }
