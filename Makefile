@@ -115,13 +115,16 @@ process: build-tests
 	tests/process/process_tests.sh $(BUILD)/basic
 	tests/process/files_tests.sh $(BUILD)/basic
 
-# The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
+# The unit, end-to-end, process and window suites under address and undefined-behaviour
+# sanitizers.
 asan: test-deps
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DBASIC_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
 	ASAN_OPTIONS=detect_leaks=1 tests/run_e2e.sh $(ASAN_BUILD)/basic
 	ASAN_OPTIONS=detect_leaks=1 tests/process/process_tests.sh $(ASAN_BUILD)/basic
+	ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$(CURDIR)/tests/gdi/lsan.supp \
+	  sh -c 'tests/gdi/examples.sh $(ASAN_BUILD) && tests/gdi/window_xvfb.sh $(ASAN_BUILD)'
 
 # libFuzzer targets (clang): the kept findings replayed, then FUZZ_SECONDS of each.
 fuzz: test-deps

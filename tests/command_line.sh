@@ -104,6 +104,21 @@ if [ "$faces" -lt 4 ]; then
   failures=$((failures + 1))
 fi
 
+# Output through a pipe shows while the program still computes, down to one
+# character without a line end: a prompt that must be seen before a long wait.
+printf '10 PRINT "?";\n20 GOTO 20\n' >"$work/busy.bas"
+mkfifo "$work/pipe"
+"$basic" "$work/busy.bas" >"$work/pipe" &
+busy=$!
+got=
+IFS= read -r -t 2 -n 1 got <"$work/pipe"
+kill "$busy"
+wait "$busy" 2>/dev/null
+if [ "$got" != "?" ]; then
+  echo "--- FAIL: one character printed before a loop was not seen within 2 s"
+  failures=$((failures + 1))
+fi
+
 if [ "$failures" -eq 0 ]; then
   echo "command line: all checks passed"
   exit 0

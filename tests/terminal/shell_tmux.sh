@@ -38,4 +38,13 @@ tm new-session -d -s t -x 100 -y 40 "env -u BASIC_HISTORY TERM=xterm sh -c 'slee
 tm send-keys -t t 'WIDTH' Enter
 wait_for '^Width is 72$'
 tm send-keys -t t 'BYE' Enter
+
+# A shell started below other output asks the terminal where the cursor is and
+# goes on from there, not from the bottom row.
+tm kill-session -t t 2>/dev/null
+tm new-session -d -s t -x 100 -y 40 "env -u BASIC_HISTORY TERM=xterm sh -c 'printf \"one\\ntwo\\nthree\\n\"; exec \"$bin\"'"
+wait_for '^READY$'
+row=$(tm capture-pane -p -t t | grep -n '^Velo Basic' | cut -d: -f1)
+[ "${row:-99}" -le 6 ] || fail "the banner starts on row ${row:-none}, not below the three lines"
+tm send-keys -t t 'BYE' Enter
 finish "shell on a terminal"

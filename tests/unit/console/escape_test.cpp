@@ -84,10 +84,10 @@ TEST_F(EscapeTest, ErasesKeepAttributesAndOneJIsText) {
   EXPECT_EQ(screen->Row(0), "ab");
   EXPECT_EQ(screen->At(4, 0).attr, 0x17);
   EXPECT_EQ(screen->At(10, 0).attr, 0x07);
-  Esc("\r\nxyz\x1b[1K");
-  EXPECT_EQ(screen->Row(1), "");
+  Esc("\r\nxyz\x1b[D\x1b[1K");  // up to the cursor, not under it
+  EXPECT_EQ(screen->Row(1), "  z");
   Esc("\x1b[1J");
-  EXPECT_EQ(screen->Row(1), "   J");
+  EXPECT_EQ(screen->Row(1), "  J");
   Esc("\x1b[2J");
   for (int y = 0; y < 5; ++y) EXPECT_EQ(screen->Row(y), "");
   EXPECT_EQ(con->CursorX(), 0);

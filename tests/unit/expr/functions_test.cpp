@@ -137,6 +137,17 @@ TEST_F(FunctionsTest, TimeAndTaskReadTheInstalledClock) {
   EXPECT_EQ(Eval("TIM(11)"), 1350.0f);
   EXPECT_EQ(Eval("TIM(4)"), 20.0f);  // seconds past the minute, in every time zone
   EXPECT_EQ(Eval("TID(0)"), 4242.0f);
+  // Tuesday 14 November 2023, 22:13:20 in UTC: each selector its own part.
+  std::string zone = getenv("TZ") ? getenv("TZ") : "";
+  setenv("TZ", "UTC", 1);
+  tzset();
+  const float parts[] = {13, 22, 318, 23, 20, 2, 14, 10, 123, 0};
+  for (int n = 0; n < 10; ++n) {
+    std::string call = "TIM(" + std::to_string(n) + ")";
+    EXPECT_EQ(Eval(call.c_str()), parts[n]) << call;
+  }
+  zone.empty() ? unsetenv("TZ") : setenv("TZ", zone.c_str(), 1);
+  tzset();
   InstallClock(std::move(old));
   EXPECT_EQ(Eval("TID(0)"), static_cast<float>(getpid()));
 }
@@ -206,6 +217,55 @@ TEST_F(FunctionsTest, Listing) {
   EXPECT_EQ(Listing("ASC(\"A\")+NUM(\"B\")"), "ASC(\"A\")+NUM(\"B\")");
   EXPECT_EQ(Listing("POS(A$,\"X\")"), "POS(A$,\"X\")");
   EXPECT_EQ(Listing("TIM(0)+RND(-1)"), "TIM(0)+RND(-1)");
+}
+
+}  // namespace
+
+namespace {
+
+// LEN reports the bytes a program holds: every argument of every function counts,
+// so a longer argument makes the whole expression larger by at least its growth.
+TEST_F(FunctionsTest, EveryArgumentCountsInTheSize) {
+  const std::string text = "\"" + std::string(200, 'x') + "\"";
+  std::string sum = "1";
+  for (int i = 0; i < 50; ++i) sum += "+1";
+  struct Form {
+    const char* before;
+    const char* after;
+    bool numeric;  // the argument is a number, not a string
+  };
+  const Form forms[] = {
+      {"LEN(", ")", false},
+      {"DEC(", ")", false},
+      {"NUM(", ")", false},
+      {"POS(", ",\"B\")", false},
+      {"POS(\"AB\",", ")", false},
+      {"LEN(UPS$(", "))", false},
+      {"LEN(LEFT$(", ",1))", false},
+      {"LEN(MID$(", ",1,1))", false},
+      {"LEN(RIGHT$(", ",1))", false},
+      {"LEN(CHR$(", "))", true},
+      {"LEN(DEC$(", "))", true},
+      {"LEN(LEFT$(\"A\",", "))", true},
+      {"LEN(MID$(\"A\",1,", "))", true},
+      {"SIN(", ")", true},
+      {"RND(", ")", true},
+      {"ABS(", ")", true},
+      {"A(", ")", true},
+      {"A(1,", ")", true},
+      {"LEN(B$(", "))", true},
+      {"LEN(C$[", "])", true},
+  };
+  for (const Form& f : forms) {
+    std::string small = std::string(f.before) + (f.numeric ? "1" : "\"A\"") + f.after;
+    std::string large = std::string(f.before) + (f.numeric ? sum : text) + f.after;
+    NumericExpPtr a = Parse(small.c_str()), b = Parse(large.c_str());
+    ASSERT_TRUE(a && b) << small;
+    // Unsigned: a part subtracted instead of added wraps round to a huge size.
+    size_t growth = b->Size() - a->Size();
+    EXPECT_GE(growth, 199u) << large;
+    EXPECT_LT(growth, 4000u) << large;
+  }
 }
 
 }  // namespace

@@ -16,6 +16,9 @@ TEST(StringCompare, BytesThenLength) {
   EXPECT_EQ(Printed("\"ABC\"<\"ABCD\";\"ABCD\"<\"ABC\";\"ABC\"=\"ABC\""), " 1     0     1    \n");
   EXPECT_EQ(Printed("\"B\">\"A\";\"B\">=\"B\";\"A\"<=\"B\";\"A\"<>\"B\";\"A\"#\"A\""),
             " 1     1     1     1     0    \n");
+  // Equal strings are neither less nor greater; the other way round is false too.
+  EXPECT_EQ(Printed("\"A\"<\"A\";\"A\">\"A\";\"B\"<=\"A\";\"A\">=\"B\";\"A\"=\"B\""),
+            " 0     0     0     0     0    \n");
   // Bytes compare as signed values: 200 sorts before every ASCII character.
   EXPECT_EQ(Printed("'200<\"A\";\"\"<'200"), " 1     1    \n");
   EXPECT_EQ(Printed("A$[1,3]=\"ABC\";A$+\"G\">A$"), " 1     1    \n");

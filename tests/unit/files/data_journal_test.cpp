@@ -103,6 +103,15 @@ TEST_F(Journal, AnOpenRollsBackAKilledStatement) {
     EXPECT_EQ(NumberAt(file, 1, 0), 7.0f);
   }
   EXPECT_EQ(Bytes("a"), after);
+  // A journal larger than any statement writes is not read at all, not even its
+  // length's worth of memory: a terabyte (sparse) after a good header.
+  Write("a.journal", std::string(journal.begin(), journal.end()));
+  ASSERT_EQ(truncate(Path("a.journal").c_str(), off_t{1} << 40), 0);
+  {
+    DataFile file;
+    ASSERT_EQ(file.Open(Path("a"), false), OpenStatus::kReadWrite);
+    EXPECT_EQ(NumberAt(file, 1, 0), 7.0f);
+  }
   Write("a.journal", std::string(journal.begin(), journal.end()));
   {
     DataFile file;
