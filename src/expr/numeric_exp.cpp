@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "base/convert.h"
+#include "base/dialect.h"
 #include "expr/expr_context.h"
 #include "expr/operands.h"
 #include "expr/operators.h"
@@ -350,10 +351,13 @@ NumericExpPtr MinMaxTail(ExprContext& p, NumericExpPtr left) {
   }
 }
 
-NumericExpPtr RelationTail(ExprContext& p, NumericExpPtr left) {
+// One relational operator and its right operand, folded onto left; left as it
+// is when no relation follows.
+NumericExpPtr OneRelation(ExprContext& p, NumericExpPtr left, bool* found) {
   ParseAttempt attempt(p);
   TokenCode op = p.GetToken();
-  if (tok::Category(op) != tok::kRelation) {
+  *found = tok::Category(op) == tok::kRelation;
+  if (!*found) {
     p.BackUp();
     return left;
   }
@@ -362,29 +366,37 @@ NumericExpPtr RelationTail(ExprContext& p, NumericExpPtr left) {
   if (!right) return attempt.Fail();
   switch (op) {
     case tok::kEQ:
-      left = Fold<EqOp>(std::move(left), std::move(right));
-      break;
+      return Fold<EqOp>(std::move(left), std::move(right));
     case tok::kNE:
     case tok::kHash:
-      left = Fold<NeOp>(std::move(left), std::move(right));
-      break;
+      return Fold<NeOp>(std::move(left), std::move(right));
     case tok::kLT:
-      left = Fold<LtOp>(std::move(left), std::move(right));
-      break;
+      return Fold<LtOp>(std::move(left), std::move(right));
     case tok::kLE:
-      left = Fold<LeOp>(std::move(left), std::move(right));
-      break;
+      return Fold<LeOp>(std::move(left), std::move(right));
     case tok::kGT:
-      left = Fold<GtOp>(std::move(left), std::move(right));
-      break;
+      return Fold<GtOp>(std::move(left), std::move(right));
     case tok::kGE:
-      left = Fold<GeOp>(std::move(left), std::move(right));
-      break;
+      return Fold<GeOp>(std::move(left), std::move(right));
     default:
       return attempt.Replace(err::kBadOperator);
   }
-  // One comparison only: a second relational operator is left for the statement.
-  return OrTail(p, std::move(left));
+}
+
+// Under the classic switch relations chain left to right, each giving 1 or 0:
+// R1=C1=0 is (R1=C1)=0.
+NumericExpPtr ChainedRelations(ExprContext& p, NumericExpPtr left) {
+  for (bool found = g_classic; found && left;) left = OneRelation(p, std::move(left), &found);
+  return left;
+}
+
+NumericExpPtr RelationTail(ExprContext& p, NumericExpPtr left) {
+  bool found;
+  left = OneRelation(p, std::move(left), &found);
+  if (!found || !left) return left;
+  left = ChainedRelations(p, std::move(left));
+  // Otherwise one comparison only: a second relational operator is left for the statement.
+  return left ? OrTail(p, std::move(left)) : nullptr;
 }
 
 NumericExpPtr ParseRelation(ExprContext& p) {
@@ -396,7 +408,8 @@ NumericExpPtr ParseRelation(ExprContext& p) {
   ErrorCode numericError = g_err.parse;
   attempt.Rewind();
   if (StringExpPtr left = ParseStringExp(p)) {
-    if (NumericExpPtr relation = ParseStringRelationTail(p, std::move(left))) return relation;
+    if (NumericExpPtr relation = ParseStringRelationTail(p, std::move(left)))
+      if ((relation = ChainedRelations(p, std::move(relation)))) return relation;
   }
   return attempt.Fail(numericError);
 }

@@ -49,13 +49,16 @@ bool ParseSubscripts(ExprContext& p, std::vector<NumericExpPtr>* out) {
 }
 
 // Binds an array reference: an undeclared array used with one subscript gets
-// ten elements; the subscript count must match the dimensions.
+// ten elements, under the classic switch one with two gets 10 by 10; the
+// subscript count must match the dimensions.
 template <typename Data, typename Maker>
 ErrorCode BindArray(std::unique_ptr<Data>& array, const VarToken* name, size_t subscripts,
                     Maker make, Data** bound) {
   if (!array) {
-    if (subscripts != 1) return err::kUnknownDimensions;
-    if (ErrorCode code = make(name, DimensionList({10}), &array)) return code;
+    bool square = subscripts == 2 && g_classic;
+    if (subscripts != 1 && !square) return err::kUnknownDimensions;
+    if (ErrorCode code = make(name, square ? DimensionList({10, 10}) : DimensionList({10}), &array))
+      return code;
   }
   if (array->dims.Count() != subscripts) return err::kDimensionMismatch;
   *bound = array.get();

@@ -235,7 +235,8 @@ class PrintEndCommaSpec final : public PrintSpecList {
   void Execute(PrintSink& out) override { CommaZone(out); }
 };
 
-// TAB, SPA or LIN with its parenthesised argument (the name consumed).
+}  // namespace
+
 PrintSpecPtr ParsePrintFunction(ExprContext& p, TokenCode code) {
   ParseAttempt attempt(p);
   TokenCode open = p.AcceptOpener();
@@ -252,6 +253,8 @@ PrintSpecPtr ParsePrintFunction(ExprContext& p, TokenCode code) {
       return std::make_unique<PrintFuncLinSpec>(std::move(arg));
   }
 }
+
+namespace {
 
 // One item: a print function, else a numeric expression (string comparisons
 // included), else a string expression. Null, with the position restored,

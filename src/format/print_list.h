@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "lex/token.h"
+
 class PrintSink;
 class ExprContext;
 
@@ -32,6 +34,9 @@ bool ParsePrintList(ExprContext& prog, PrintSpecPtr* items, PrintSpecPtr* end);
 // among other items (PRINT # to a text file). Null with the position restored
 // when none is next; the parse error is then set only for a malformed one.
 PrintSpecPtr ParsePrintFunctionItem(ExprContext& prog);
+
+// TAB, SPA or LIN with its parenthesised argument, the name (code) consumed.
+PrintSpecPtr ParsePrintFunction(ExprContext& prog, TokenCode code);
 
 // Layout steps shared by PRINT, PRINT USING and MAT PRINT.
 void NewPrintLine(PrintSink& out);  // CR then LF

@@ -1,5 +1,6 @@
 #include "format/using_list.h"
 
+#include "base/dialect.h"
 #include "expr/expr_context.h"
 #include "lex/parse_attempt.h"
 
@@ -28,9 +29,32 @@ class UsingStringSpec final : public UsingSpec {
   StringValue work_;  // grows once to the longest value and is reused
 };
 
-// A numeric expression (string comparisons included), else a string one.
+// A print function among the values: it does at its place what it does in PRINT.
+class UsingFunctionSpec final : public UsingSpec {
+ public:
+  explicit UsingFunctionSpec(PrintSpecPtr function) : function_(std::move(function)) {}
+  size_t Size() const override { return sizeof *this + function_->Size(); }
+  void List(std::string& out) const override { function_->List(out); }
+  FieldValue Evaluate() override { return {}; }
+  PrintSpecList* Function() override { return function_.get(); }
+
+ private:
+  PrintSpecPtr function_;
+};
+
+// A numeric expression (string comparisons included), else a string one;
+// under the classic switch TAB, SPA or LIN too.
 UsingSpecPtr ParseUsingSpec(ExprContext& p) {
   ParseAttempt attempt(p);
+  if (g_classic) {
+    TokenCode code = p.GetToken();
+    if (code == tok::kFnTab || code == tok::kFnSpa || code == tok::kFnLin) {
+      PrintSpecPtr function = ParsePrintFunction(p, code);
+      if (!function) return attempt.Fail();
+      return std::make_unique<UsingFunctionSpec>(std::move(function));
+    }
+    attempt.Rewind();
+  }
   if (NumericExpPtr exp = ParseNumericExp(p))
     return std::make_unique<UsingNumericSpec>(std::move(exp));
   ErrorCode numericError = g_err.parse;
@@ -67,5 +91,13 @@ void UsingSpecList::List(std::string& out) const {
   for (size_t i = 0; i < specs_.size(); ++i) {
     if (i) out += ',';
     specs_[i]->List(out);
+  }
+}
+
+void UsingSpecList::PlaceFunctions(PrintSink& line) {
+  for (; next_ < specs_.size(); ++next_) {
+    PrintSpecList* function = specs_[next_]->Function();
+    if (!function) return;
+    function->Execute(line);
   }
 }

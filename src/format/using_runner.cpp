@@ -183,9 +183,16 @@ bool LayPicture(double x, const FormatItem& field, std::string_view positions, c
 
 }  // namespace
 
-ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values) {
+ErrorCode FormatRunner::Run(const ImageFormat& format, UsingValues& values, int64_t column) {
   line_.clear();
   taken_ = 0;
+  startColumn_ = column;
+  // Print functions act where they stand in the list: those before the first
+  // value at once, the others right after the value before them.
+  if (!PlaceFunctions(values)) {
+    line_.clear();
+    return err::kStringOverflow;
+  }
   for (;;) {
     uint32_t before = taken_;
     if (ErrorCode code = Pass(format, values)) {
@@ -248,6 +255,7 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
             char buffer[kNumberBufferSize];
             fits = Text(PrintedText(value.number, buffer), item);
           }
+          if (fits) fits = PlaceFunctions(values);
         }
         break;
       case FormatItem::kBlanks:
@@ -280,6 +288,36 @@ ErrorCode FormatRunner::Pass(const ImageFormat& format, UsingValues& values) {
     }
     if (!fits) return err::kStringOverflow;
   }
+}
+
+bool FormatRunner::PlaceFunctions(UsingValues& values) {
+  LineSink sink(*this);
+  values.PlaceFunctions(sink);
+  return !sink.overflow_;
+}
+
+// The characters after the line's last carriage return, line feeds not
+// counted; found only when a print function asks.
+int64_t FormatRunner::LineSink::Column() const {
+  if (column_ < 0) {
+    const std::string& line = runner_.line_;
+    size_t start = line.find_last_of('\r');
+    start = start == std::string::npos ? 0 : start + 1;
+    column_ = start == 0 ? runner_.startColumn_ : 0;
+    for (size_t i = start; i < line.size(); ++i) column_ += line[i] != '\n';
+  }
+  return column_;
+}
+
+// The column moves on past an overflow too, so that TAB's loop ends.
+void FormatRunner::LineSink::Print(char c) {
+  int64_t column = Column();
+  if (!overflow_ && !runner_.Fill(c, 1)) overflow_ = true;
+  column_ = c == '\r' ? 0 : column + (c != '\n');
+}
+
+void FormatRunner::LineSink::Print(std::string_view text) {
+  for (char c : text) Print(c);
 }
 
 bool FormatRunner::Fill(char c, size_t n) {

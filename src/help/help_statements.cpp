@@ -71,7 +71,8 @@ constexpr const char* kCreate[] = {
 constexpr const char* kData[] = {
     "DATA <dataSpec> [,<dataSpecList>]",
     "<dataSpec> ::= <numericConstant> | <stringLiteral>",
-    "Constants for READ, read in program order.",
+    "Constants for READ, read in program order. A number may have a sign",
+    "(+.12, -7); text must be quoted: DATA NAN or DATA YES is \"Bad Constant\".",
 };
 constexpr const char* kDef[] = {
     "DEF <fnName>(<parameterList>)=<numericExp>",
@@ -164,6 +165,7 @@ constexpr const char* kInput[] = {
     "INPUT [\"prompt\",]<variable>[,<variableList>]",
     "Typed items are separated by ','; a prompt replaces the '?'.",
     "An empty line ends INPUT and leaves the rest as they were.",
+    "A signed item (-40) is text; with CLASSIC ON it is a number.",
 };
 constexpr const char* kLet[] = {
     "[LET] <assignment> [;<assignmentList>]",

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "base/dialect.h"
+
 namespace {
 bool IsDigit(int c) { return c >= '0' && c <= '9'; }
 bool IsHexDigit(int c) { return IsDigit(c) || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f'); }
@@ -31,6 +33,16 @@ unsigned InputScanner::Next() {
     return Number();
   }
   if (IsDigit(c)) return Number();
+  if ((c == '+' || c == '-') && g_classic) {
+    // Old systems read a sign before a digit or point as a number's: -40, +.5.
+    int next = static_cast<unsigned char>(pos_[1]);
+    if (IsDigit(next) || next == '.') {
+      Keep(Take());
+      if (Peek() != '.') return Number();
+      Keep(Take());
+      return Fraction();
+    }
+  }
   return Unquoted();
 }
 

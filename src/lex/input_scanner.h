@@ -1,5 +1,6 @@
 // Cuts a typed INPUT line into items: separated by commas, unquoted text is a
-// string, a leading "0x" makes a hexadecimal number.
+// string, a leading "0x" makes a hexadecimal number; under the classic switch
+// a sign directly before a digit or point begins a number.
 #pragma once
 #include <cstddef>
 #include <string_view>

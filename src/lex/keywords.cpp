@@ -153,6 +153,16 @@ const BasicToken* FindStatementWord(std::string_view word) {
   return nullptr;
 }
 
+size_t KeywordLengthAt(std::string_view text) {
+  size_t longest = 0;
+  auto consider = [&](std::string_view name) {
+    if (name.size() > longest && SameName(text.substr(0, name.size()), name)) longest = name.size();
+  };
+  for (const auto& entry : Table().buckets[BucketOf(text)]) consider(entry->Name());
+  for (const auto& entry : Table().statementWords) consider(entry->Name());
+  return longest;
+}
+
 const char* KeywordName(TokenCode code) {
   for (const auto& bucket : Table().buckets)
     for (const auto& entry : bucket)

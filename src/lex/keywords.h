@@ -1,6 +1,7 @@
 // The keyword table: statement keywords, secondary keywords, built-in
 // functions and operator words, hashed by first letter.
 #pragma once
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -41,6 +42,9 @@ const BasicToken* FindKeyword(std::string_view word);
 // A statement keyword that is a name everywhere but at a statement's start
 // (RANDOMIZE, RANDOM), or null: old programs use such words as variables.
 const BasicToken* FindStatementWord(std::string_view word);
+// The length of the longest keyword or statement word that text begins with
+// (any case), or 0: how the classic switch finds keywords run into names.
+size_t KeywordLengthAt(std::string_view text);
 // The keyword entry of a code (the first row with it), or null; used for listing.
 const char* KeywordName(TokenCode code);
 // Every keyword entry, bucket by bucket, then the statement words (for the help tests).

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/dialect.h"
+#include "lex/keywords.h"
 #include "lex/parse_attempt.h"
 
 namespace {
@@ -55,12 +56,34 @@ bool StartsWithFn(std::string_view word) {
   return word.size() >= 2 && (word[0] | 0x20) == 'f' && (word[1] | 0x20) == 'n';
 }
 
+bool IsLetterAt(std::string_view text, size_t i) { return i < text.size() && IsLetter(text[i]); }
+bool IsDigitAt(std::string_view text, size_t i) { return i < text.size() && IsDigit(text[i]); }
+
+// Whether text continues at i with word (any case).
+bool WordAt(std::string_view text, size_t i, std::string_view word) {
+  return i <= text.size() && SameName(text.substr(i, word.size()), word);
+}
+
+// GO TO and GO SUB with blanks between the two words, as one keyword's letters
+// ("GOTO"), or 0 when text does not begin with them.
+size_t GoWords(std::string_view text, std::string* letters) {
+  if (!WordAt(text, 0, "GO")) return 0;
+  size_t i = 2;
+  while (i < text.size() && text[i] == ' ') ++i;
+  size_t word = WordAt(text, i, "TO") ? 2 : WordAt(text, i, "SUB") ? 3 : 0;
+  if (i == 2 || word == 0) return 0;
+  letters->assign(text.substr(0, 2));
+  letters->append(text.substr(i, word));
+  return i + word;
+}
+
 }  // namespace
 
 void Scanner::SetLine(const char* line) {
   line_ = line;
   length_ = std::strlen(line);
   pos_ = 0;
+  classicWords_ = false;
 }
 
 std::string_view Scanner::SkipFrom(size_t offset) {
@@ -103,7 +126,8 @@ TokenCode Scanner::NextLexeme() {
   }
   lexeme_ += static_cast<char>(c);
   if (IsDigit(c) || c == '.') return ScanNumber(c);
-  if (IsLetter(c) || c == '_' || c == '$') return ScanWord();
+  if (IsLetter(c) || c == '_' || c == '$')
+    return classicWords_ && IsLetter(c) ? ScanClassicWord() : ScanWord();
   switch (c) {
     case '*':
       if (Get() == '*') {
@@ -137,6 +161,7 @@ TokenCode Scanner::NextLexeme() {
 
 TokenCode Scanner::ScanNumber(int c) {
   enum { kInteger, kFraction, kExpStart, kExpSign, kExpDigits, kHexStart, kHexDigits } state;
+  TokenCode beforeExponent = tok::kInteger;
   if (c == '.') {
     state = kFraction;
   } else if (c == '0') {
@@ -162,6 +187,7 @@ TokenCode Scanner::ScanNumber(int c) {
         }
         if (c == 'E' || c == 'e') {
           state = kExpStart;
+          beforeExponent = tok::kInteger;
           break;
         }
         Unget();
@@ -170,6 +196,7 @@ TokenCode Scanner::ScanNumber(int c) {
         if (IsDigit(c)) break;
         if (c == 'E' || c == 'e') {
           state = kExpStart;
+          beforeExponent = tok::kDecimal;
           break;
         }
         if (c == '.') return tok::kBadConstant;  // the second point is consumed
@@ -185,6 +212,12 @@ TokenCode Scanner::ScanNumber(int c) {
           break;
         }
         Unget();
+        if (g_classic) {
+          // An E that starts no exponent begins the next word: 100END, 1ELSE.
+          Unget();
+          lexeme_.pop_back();
+          return beforeExponent;
+        }
         return tok::kBadConstant;
       case kExpSign:
         if (IsDigit(c)) {
@@ -223,6 +256,12 @@ TokenCode Scanner::ScanWord() {
     }
     break;
   }
+  return FinishWord(c);
+}
+
+// After a word's letters, at c: "$" makes it a string word; blanks are
+// skipped to see whether a bracket follows.
+TokenCode Scanner::FinishWord(int c) {
   if (c == '$') {
     lexeme_ += '$';
     do c = Get();
@@ -233,6 +272,35 @@ TokenCode Scanner::ScanWord() {
   while (c == ' ') c = Get();
   Unget();
   return c == '(' || c == '[' ? tok::kWordBracket : tok::kWord;
+}
+
+// The classic switch's words, at a letter: the longest keyword that begins
+// here (GO TO and GO SUB in two words too), else FN and a letter (a user
+// function), else a name of one letter and an optional digit.
+TokenCode Scanner::ScanClassicWord() {
+  size_t start = pos_ - 1;
+  std::string_view rest(line_ + start, length_ - start);
+  size_t length = KeywordLengthAt(rest);
+  if (length > 0)
+    lexeme_.assign(rest.substr(0, length));
+  else
+    length = GoWords(rest, &lexeme_);
+  if (length > 0) {
+    pos_ = start + length;
+    if (lexeme_.back() == '$') {
+      lexeme_.pop_back();
+      return FinishWord('$');
+    }
+    int c = Get();
+    if (c != '$') return FinishWord(c);
+    Unget();  // a "$" after a keyword is no part of it
+    return tok::kWord;
+  }
+  length = WordAt(rest, 0, "FN") && IsLetterAt(rest, 2) ? 3 : 1;
+  if (IsDigitAt(rest, length)) ++length;
+  lexeme_.assign(rest.substr(0, length));
+  pos_ = start + length;
+  return FinishWord(Get());
 }
 
 TokenCode Scanner::ScanLiteral() {
@@ -294,6 +362,21 @@ void Tokenizer::StartLine(const char* line) {
   lineStart_ = line;
   expressions_ = kExpressionsPerLine;
   SetLine(line);
+}
+
+bool Tokenizer::ReadClassicWords() {
+  if (!g_classic) return false;
+  // Tokens cut ahead of the current one are cut again the classic way.
+  classicMark_ = pos_;
+  tokens_.resize(pos_);
+  WordsFrom(pos_ ? tokens_[pos_ - 1].rawEnd : 0, true);
+  return true;
+}
+
+void Tokenizer::ReadOrdinaryWords() {
+  pos_ = classicMark_;
+  tokens_.resize(pos_);
+  WordsFrom(pos_ ? tokens_[pos_ - 1].rawEnd : 0, false);
 }
 
 SymbolTable& Tokenizer::Table(TokenCode category) {

@@ -22,6 +22,14 @@ class Scanner {
   // The raw characters from offset to the end; the scanner is then at the end of the line.
   std::string_view SkipFrom(size_t offset);
 
+ protected:
+  // From offset on, words are cut as the classic switch reads them
+  // (ScanClassicWord) or the ordinary way, until the next SetLine.
+  void WordsFrom(size_t offset, bool classic) {
+    pos_ = offset;
+    classicWords_ = classic;
+  }
+
  private:
   int Get();
   void Unget() {
@@ -29,6 +37,8 @@ class Scanner {
   }
   TokenCode ScanNumber(int c);
   TokenCode ScanWord();
+  TokenCode ScanClassicWord();
+  TokenCode FinishWord(int c);
   TokenCode ScanLiteral();
   TokenCode ScanCharCode();
   TokenCode ScanComment();
@@ -37,6 +47,7 @@ class Scanner {
   size_t length_ = 0;
   size_t pos_ = 0;      // next character; length_ + 1 once the end was read
   std::string lexeme_;  // literal values may hold NUL, so the length is explicit
+  bool classicWords_ = false;
 };
 
 struct Token {
@@ -54,6 +65,14 @@ class Tokenizer : public Scanner {
 
   // Starts a new line: the token list and its texts are released.
   void StartLine(const char* line);
+  // Under the classic switch, the rest of the line (after the current token) is
+  // read as old listings were typed: keywords without blanks around them, names
+  // of a letter and an optional digit. Called where a statement's text begins;
+  // true when the switch is on.
+  bool ReadClassicWords();
+  // Reads the text from where ReadClassicWords began again with ordinary words:
+  // the second reading of a line that failed the classic one.
+  void ReadOrdinaryWords();
 
   TokenCode GetToken();
   void BackUp() {
@@ -117,8 +136,9 @@ class Tokenizer : public Scanner {
 
  private:
   std::vector<Token> tokens_;
-  std::string arena_;  // every lexeme of the line, back to back
-  size_t pos_ = 0;     // tokens handed out; tokens_[pos_ - 1] is current
+  std::string arena_;       // every lexeme of the line, back to back
+  size_t pos_ = 0;          // tokens handed out; tokens_[pos_ - 1] is current
+  size_t classicMark_ = 0;  // the tokens kept when the classic reading began
   const char* lineStart_ = "";
   static constexpr int kExpressionsPerLine = 50000;  // a full line needs a few thousand
   int expressions_ = kExpressionsPerLine;

@@ -160,9 +160,14 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
     } else {
       prog->BackUp();
     }
+    // Under the classic switch a file is read as if typed: a line may go back,
+    // and one of a number already read replaces that line.
+    bool typed = false;
     if (!g_err.parse) {
       if (number > last) {
         last = number;
+      } else if (number != 0 && g_classic) {
+        typed = true;
       } else if (number != 0) {
         con.Printf("%s in file line %u\nUnable to load program.\n", MessageOf(err::kOutOfOrder),
                    fileLine);
@@ -182,7 +187,10 @@ std::unique_ptr<Program> LoadProgram(SourceFile& file, const std::string& name, 
       line.front()->SetNumber(number);
     else
       line.front()->SetFileLine(fileLine);
-    prog->Append(std::move(line));
+    if (typed)
+      prog->InsertTyped(std::move(line));
+    else
+      prog->Append(std::move(line));
     if (report && g_err.parse > err::kEndOfLine)
       con.Printf("%s in file line %u\n", MessageOf(g_err.parse), fileLine);
   }

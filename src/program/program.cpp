@@ -1,6 +1,7 @@
 #include "program/program.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "expr/numeric_exp.h"
 #include "files/file_functions.h"
@@ -106,8 +107,57 @@ void Program::Delete(Statement* stmt) {
 
 // --- Parsing and listing.
 
+namespace {
+
+// Whether text holds a run of letters and digits longer than a name keeps: such a
+// name is cut on entry, and its listing could then read the classic way.
+bool HoldsOverlongWord(std::string_view text) {
+  size_t run = 0;
+  for (char c : text) {
+    run = std::isalnum(static_cast<unsigned char>(c)) || c == '_' ? run + 1 : 0;
+    if (run > VarToken::kMaxName) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+// Label, statement and trailing comment into line; false when the line fails.
+bool Program::ParseStatements(std::vector<StatementPtr>& line) {
+  StatementPtr stmt;
+  bool failed = false;
+  // A leading label: a plain word and ":".
+  ParseAttempt start(*this);
+  std::string label;
+  if (tok::Category(GetToken()) == tok::kNumVar && Symbol()) label = Text();
+  if (!label.empty() && Accept(tok::kColon)) {
+    TokenCode next = Peek();
+    bool alone = next == tok::kEndOfLine || next == tok::kComment;
+    line.push_back(std::make_unique<LabelStmt>(label, !alone));
+    if (!alone) failed = !(stmt = ParseStatement(*this));
+  } else {
+    start.Rewind();
+    if (Peek() != tok::kComment) failed = !(stmt = ParseStatement(*this));
+  }
+  if (failed) return false;
+  TokenCode code = GetToken();
+  if (code == tok::kComment) {
+    if (stmt) line.push_back(std::move(stmt));
+    line.push_back(std::make_unique<CommentStmt>(Text()));
+    code = GetToken();
+  } else if (stmt) {
+    line.push_back(std::move(stmt));
+  }
+  if (code != tok::kEndOfLine) {
+    SetParseError(err::kTrailingChars);
+    return false;
+  }
+  return true;
+}
+
 std::vector<StatementPtr> Program::ParseLine() {
   std::vector<StatementPtr> line;
+  bool classic = ReadClassicWords();
   std::string_view raw = RawAfterCurrent();
   Reference* lastRef = References().Last();
   ParseAttempt whole(*this);
@@ -121,37 +171,19 @@ std::vector<StatementPtr> Program::ParseLine() {
     return line;
   }
   whole.Rewind();
-  StatementPtr stmt;
-  bool failed = false;
-  // A leading label: a plain word and ":".
-  std::string label;
-  if (tok::Category(GetToken()) == tok::kNumVar && Symbol()) label = Text();
-  if (!label.empty() && Accept(tok::kColon)) {
-    TokenCode next = Peek();
-    bool alone = next == tok::kEndOfLine || next == tok::kComment;
-    line.push_back(std::make_unique<LabelStmt>(label, !alone));
-    if (!alone) failed = !(stmt = ParseStatement(*this));
-  } else {
-    whole.Rewind();
-    if (Peek() != tok::kComment) failed = !(stmt = ParseStatement(*this));
-  }
-  if (!failed) {
-    code = GetToken();
-    if (code == tok::kComment) {
-      if (stmt) line.push_back(std::move(stmt));
-      line.push_back(std::make_unique<CommentStmt>(Text()));
-      code = GetToken();
-    } else if (stmt) {
-      line.push_back(std::move(stmt));
-    }
-    if (code != tok::kEndOfLine) {
-      SetParseError(err::kTrailingChars);
-      failed = true;
-    }
+  bool failed = !ParseStatements(line);
+  if (failed && classic && !HoldsOverlongWord(raw)) {
+    // Keywords run into names come first; a line that fails that way may
+    // still be one of this dialect's own, with long names and labels.
+    ErrorCode classicError = g_err.parse;
+    line.clear();
+    ReadOrdinaryWords();
+    SetParseError(0);
+    failed = !ParseStatements(line);
+    if (failed) SetParseError(classicError);
   }
   if (failed) {
     line.clear();
-    stmt.reset();
     // "REMARKS: ..." fails as a label and a statement; old listings mean a remark.
     whole.Rewind();
     if (StatementPtr remark = ParseRemWord(*this)) {

@@ -99,6 +99,7 @@ class Program final : public StmtContext {
   bool linksCurrent_ = false;
   uint64_t edits_ = 0;
   bool PullBelowLimit();
+  bool ParseStatements(std::vector<StatementPtr>& line);
   void Index(Statement* head);
   void Unindex(Statement* head);
   void Forget(Statement* stmt);  // drops what refers to a statement about to go

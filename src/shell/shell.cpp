@@ -233,6 +233,14 @@ bool Shell::Dispatch(const char* line) {
     return true;
   }
   unsigned command = code >= tok::kFirstCoded || code == tok::kWord ? CommandOf(prog_->Text()) : 0;
+  if (command == 0 && g_classic && tok::Category(code) == tok::kNumVar) {
+    // PRINTA typed at the shell: the classic reading finds the keyword in it.
+    prog_->StartLine(line);
+    prog_->ReadClassicWords();
+    code = prog_->GetToken();
+    if (code >= tok::kFirstCoded) command = CommandOf(prog_->Text());
+    if (command != kPrint && command != kRandomize) command = 0;
+  }
   switch (command) {
     case kList:
       List();
@@ -496,6 +504,7 @@ void Shell::Immediate(TokenCode keyword) {
   SetParseError(0);
   prog_->run.console = &con_;
   Reference* lastRef = prog_->References().Last();
+  prog_->ReadClassicWords();
   // Through the table, so that PRINT # is the data-file statement, as in a program.
   StatementPtr stmt = ParseKeywordStatement(*prog_, keyword);
   if (stmt && prog_->GetToken() != tok::kEndOfLine) {

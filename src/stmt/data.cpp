@@ -230,9 +230,12 @@ StatementPtr ParseData(StmtContext& p) {
   std::vector<DataItem> items;
   do {
     DataItem item{tok::kNumVar, 0.0f, {}};
+    // A "+" may stand before a number (+.12), as "-" may; never before both.
+    bool plus = p.Accept(tok::kPlus);
+    if (plus && p.Peek() == tok::kMinus) return attempt.Replace(err::kBadConstant);
     if (p.AcceptConstant(&item.number)) {
       items.push_back(std::move(item));
-    } else if (p.Accept(tok::kString)) {
+    } else if (!plus && p.Accept(tok::kString)) {
       item.type = tok::kStrVar;
       item.text = p.Text();
       items.push_back(std::move(item));

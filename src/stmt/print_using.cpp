@@ -123,7 +123,7 @@ class PrintConsoleUsingStmt final : public Statement {
   Statement* Execute() override {
     const ImageFormat& format = part_->Format();
     values_.Rewind();
-    ErrorCode code = runner_.Run(format, values_);
+    ErrorCode code = runner_.Run(format, values_, run_.console->Column());
     run_.console->Print(runner_.Line());
     runner_.Trim();
     if (code && !g_err.run) return Fail(code);

@@ -1,10 +1,12 @@
 // The INPUT item scanner on one typed line, then an INPUT statement with
-// targets of every kind fed the same bytes as typed lines.
+// targets of every kind fed the same bytes as typed lines; inputs of odd
+// length under the classic switch, whose signed numbers the scanner reads.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "base/dialect.h"
 #include "fuzz_support.h"
 #include "lex/input_scanner.h"
 #include "platform/break_flag.h"
@@ -36,6 +38,7 @@ void ScanOneLine(const char* data, size_t size) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 16 * 1024) return -1;
   const char* text = reinterpret_cast<const char*>(data);
+  g_classic = size % 2 == 1;
   ScanOneLine(text, size);
 
   fuzz::UseConsole(std::string_view(text, size));

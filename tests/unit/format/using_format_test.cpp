@@ -360,4 +360,39 @@ TEST(UsingFormat, LinesAfterTheFirstAllocateNothing) {
   EXPECT_EQ(AllocationCount() - before, 0);
 }
 
+// Values with TAB columns among them, placed as a print list's TAB places them.
+class TabbedValues final : public UsingValues {
+ public:
+  explicit TabbedValues(std::vector<std::variant<float, int>> values)
+      : values_(std::move(values)) {}
+  bool Remains() const override { return next_ < values_.size(); }
+  FieldValue Take() override { return {false, std::get<float>(values_[next_++]), {}}; }
+  void PlaceFunctions(PrintSink& line) override {
+    for (; next_ < values_.size() && std::holds_alternative<int>(values_[next_]); ++next_)
+      while (line.Column() < std::get<int>(values_[next_])) line.Print(' ');
+  }
+
+ private:
+  std::vector<std::variant<float, int>> values_;
+  size_t next_ = 0;
+};
+
+TEST(UsingFunctions, PlacedWhereTheyStandAndTakeNoField) {
+  ImageFormat image("D,\"X\",D", ImageFormat::kClassic);
+  FormatRunner runner;
+  TabbedValues first({4, 1.0f, 6, 2.0f});
+  ASSERT_EQ(runner.Run(image, first), 0u);
+  // Before the first value at once; after a value before the format's text.
+  EXPECT_EQ(runner.Line(), "    1 X2\r\n");
+  // TAB counts from the column the line starts at, and from a new line's start.
+  TabbedValues again({4, 1.0f, 2.0f, 3.0f, 2});
+  ASSERT_EQ(runner.Run(image, again, 2), 0u);
+  EXPECT_EQ(runner.Line(), "  1X2\r\n3 X\r\n");
+  // A line past its longest overflows; the TAB still ends.
+  FormatRunner small(16);
+  TabbedValues wide({1.0f, 100000});
+  EXPECT_EQ(small.Run(image, wide), err::kStringOverflow);
+  EXPECT_EQ(small.Line(), "");
+}
+
 }  // namespace

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/dialect.h"
+
 namespace {
 
 struct Scan {
@@ -75,6 +77,32 @@ TEST(InputScanner, TextAndStrings) {
 
   items = ScanAll("'0");  // a NUL character is part of the text
   EXPECT_EQ(items[0].text, std::string(1, '\0'));
+}
+
+// Under the classic switch a sign directly before a digit or point is a number's.
+TEST(InputScanner, ClassicSignedNumbers) {
+  g_classic = true;
+  auto items = ScanAll("-40,+5, -.5,-1E3,+,-X,- 4,-4X");
+  g_classic = false;
+  ASSERT_EQ(items.size(), 8u);
+  EXPECT_EQ(items[0].cls, item::kInteger);
+  EXPECT_EQ(items[0].text, "-40");
+  EXPECT_EQ(items[1].cls, item::kInteger);
+  EXPECT_EQ(items[2].cls, item::kDecimal);
+  EXPECT_EQ(items[2].text, "-.5");
+  EXPECT_EQ(items[3].cls, item::kExponent);
+  EXPECT_EQ(items[4].cls, item::kText);  // a sign alone
+  EXPECT_EQ(items[4].text, "+");
+  EXPECT_EQ(items[5].cls, item::kText);  // before a letter
+  EXPECT_EQ(items[6].cls, item::kText);  // not directly before the digit
+  EXPECT_EQ(items[7].cls, item::kBadNumber);
+  InputScanner scanner;
+  g_classic = true;
+  scanner.Start("-1E3");
+  unsigned cls = scanner.Next();
+  g_classic = false;
+  EXPECT_EQ(scanner.Number(cls), -1000.0f);
+  EXPECT_EQ(FirstClass("+5"), item::kText);  // the switch off: text, as today
 }
 
 }  // namespace

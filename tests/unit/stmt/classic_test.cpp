@@ -1,5 +1,6 @@
 // The spellings of old listings, RANDOMIZE among the names, and what the classic
-// switch changes: the substring store and mixed brackets.
+// switch changes: the substring store, mixed brackets, keywords run into names,
+// chained relations and two-subscript arrays without DIM.
 #include "base/dialect.h"
 #include "program_fixture.h"
 
@@ -130,6 +131,89 @@ TEST(ClassicSubstring, FirstPositionStoreLength) {
   // The other forms do not change.
   EXPECT_EQ(StoreFirst("10 A$=\"ABCDE\"", "20 A$[2,3]=\"X\""), "AX DE");
   g_classic = false;
+}
+
+// Each line as typed into an old listing, and its listing under the switch.
+TEST(ClassicCrunched, KeywordsRunIntoNames) {
+  struct Row {
+    const char* typed;
+    const char* listed;
+  };
+  static const Row kRows[] = {
+      {"FORI=1TO3STEP2", "FOR I=1 TO 3 STEP 2"},
+      {"IFX>5THEN100", "IF X>5 THEN 100"},
+      {"GOTO100", "GOTO 100"},
+      {"GO TO100", "GOTO 100"},
+      {"PRINT\"X\";TAB(5)A1", "PRINT \"X\";TAB(5) A1"},
+      {"DIMA$(72),B(3,4)", "DIM A$(72),B(3,4)"},
+      {"IMAGEA", "IMAGE A"},
+      {"LETA=5", "LET A=5"},
+      {"DEFFNA(X)=SIN(X)+FNB(X)", "DEF FNA(X)=SIN(X)+FNB(X)"},
+      {"PRINTLIN(1);SPA(2);LEN(A$);CHR$(65)", "PRINT LIN(1);SPA(2);LEN(A$);CHR$(65)"},
+      {"ONXGOSUB10,20", "ON X GOSUB 10,20"},
+      {"IFA$=\"YES\"THEN100", "IF A$=\"YES\" THEN 100"},
+      {"NEXTI", "NEXT I"},
+      {"READX,Y$", "READ X,Y$"},
+      {"INPUTV", "INPUT V"},
+      {"MATREADA", "MAT READ A"},
+      {"IFX=1THEN100", "IF X=1 THEN 100"},
+      {"PRINT\"SO IFX>5THEN\"", "PRINT \"SO IFX>5THEN\""},  // text keeps its letters
+      {"REMARKABLE GOTO100", "REM ARKABLE GOTO100"},
+  };
+  ClassicOn on;
+  for (const Row& row : kRows) EXPECT_EQ(Listing(row.typed), row.listed) << row.typed;
+}
+
+TEST(ClassicCrunched, TheSwitchOffReadsAsToday) {
+  EXPECT_EQ(Listing("LETA=5"), "LETA=5");  // a variable named LETA
+  for (const char* line : {"FORI=1TO3", "IFX>5THEN100", "GOTO100", "DIMA$(72)", "IMAGEA"})
+    EXPECT_NE(ParseErrorOf(line), 0u) << line;
+}
+
+// A line that fails the classic reading is read the ordinary way: the
+// dialect's own long names and labels still work under the switch.
+TEST(ClassicCrunched, LongNamesWhenTheKeywordReadingFails) {
+  ClassicOn on;
+  EXPECT_EQ(Listing("LET TOTAL=COUNT+1"), "LET TOTAL=COUNT+1");
+  EXPECT_EQ(Listing("GOTO DONE"), "GOTO DONE:");
+  EXPECT_NE(ParseErrorOf("FORI=1TO"), 0u);
+  // A name longer than names keep is cut, and its listing could then read the
+  // keyword way: such a line gets no second reading.
+  std::string overlong = "LET " + std::string(70, 'Q') + "NR=1";
+  EXPECT_NE(ParseErrorOf(overlong.c_str()), 0u);
+  // Where both readings parse, the keyword reading wins.
+  EXPECT_EQ(Listing("PRINT AB"), "PRINT A B");
+}
+
+TEST(ClassicRelations, ChainLeftToRightUnderTheSwitch) {
+  EXPECT_EQ(ParseErrorOf("IF R1=C1=0 THEN 10"), err::kMissingDelimiter);
+  EXPECT_EQ(Listing("A=B=0"), "A=B=0");
+  ClassicOn on;
+  EXPECT_EQ(Listing("IF R1=C1=0 THEN 10"), "IF R1=C1=0 THEN 10");
+  EXPECT_EQ(Listing("A=B=0"), "A=B=0");  // still a multiple assignment
+  auto prog = Build({"10 R1=2", "20 C1=3", "30 A=B=0", "40 X=(R1=C1=0)", "50 Y=1<2<3", "60 Z=3>2>1",
+                     "70 W=\"A\"=\"B\"=0"});
+  ConsoleCapture out;
+  ASSERT_EQ(LinkAndRun(*prog), 0u);
+  EXPECT_EQ(Num(*prog, "A"), 0.0f);
+  EXPECT_EQ(Num(*prog, "B"), 0.0f);
+  EXPECT_EQ(Num(*prog, "X"), 1.0f);
+  EXPECT_EQ(Num(*prog, "Y"), 1.0f);
+  EXPECT_EQ(Num(*prog, "Z"), 0.0f);  // (3>2)>1 is 1>1
+  EXPECT_EQ(Num(*prog, "W"), 1.0f);
+}
+
+TEST(ClassicArrays, TwoSubscriptsWithoutDimAreTenByTen) {
+  ConsoleCapture out;
+  auto off = Build({"10 B(2,3)=5"});
+  EXPECT_EQ(LinkAndRun(*off), err::kUnknownDimensions);
+  ClassicOn on;
+  auto prog = Build({"10 B(10,10)=5", "20 C$(2,3)=\"X\"", "30 B(1,11)=1"});
+  EXPECT_EQ(LinkAndRun(*prog), err::kSubscriptOutOfBounds);
+  EXPECT_EQ(loc::Number(g_err.location), 30u);
+  EXPECT_EQ(Num(*prog, "B(10,10)"), 5.0f);
+  auto three = Build({"10 B(1,1,1)=5"});
+  EXPECT_EQ(LinkAndRun(*three), err::kUnknownDimensions);
 }
 
 }  // namespace
