@@ -62,6 +62,7 @@ class Primary final : public NumericExp {
     out += ')';
   }
   float Evaluate() override { return inner_->Evaluate(); }
+  bool Test() override { return inner_->Test(); }
   NumericExp* Inner() const { return inner_.get(); }
 
  private:
@@ -78,6 +79,7 @@ class Not final : public NumericExp {
     operand_->List(out);
   }
   float Evaluate() override { return Truth(operand_->Evaluate() == 0.0f); }
+  bool Test() override { return !operand_->Test(); }
 
  private:
   NumericExpPtr operand_;
@@ -124,6 +126,15 @@ class Binary final : public NumericExp, public TwoOperands {
       return Op::Apply(left, r_.Get());
     }
   }
+  bool Test() override {
+    if constexpr (requires { Op::Holds(0.0f, 0.0f); }) {
+      static_assert(!Op::kRightFirst);
+      float left = l_.Get();
+      return Op::Holds(left, r_.Get());
+    } else {
+      return Evaluate() != 0.0f;
+    }
+  }
   void Operands(NumericExp** left, NumericExp** right, float*) const override {
     *left = left_.get();
     *right = right_.get();
@@ -150,6 +161,12 @@ class BinaryEC final : public NumericExp, public TwoOperands {
     Appendf(out, "%.15lg", ListedValue(constant_));
   }
   float Evaluate() override { return Op::Apply(l_.Get(), constant_); }
+  bool Test() override {
+    if constexpr (requires { Op::Holds(0.0f, 0.0f); })
+      return Op::Holds(l_.Get(), constant_);
+    else
+      return Evaluate() != 0.0f;
+  }
   void Operands(NumericExp** left, NumericExp** right, float* constant) const override {
     *left = left_.get();
     *right = nullptr;
@@ -200,6 +217,7 @@ class Conjunction final : public NumericExp {
     if (left_->Evaluate() == 0.0f) return 0.0f;
     return Truth(right_->Evaluate() != 0.0f);
   }
+  bool Test() override { return left_->Test() && right_->Test(); }
 
  private:
   NumericExpPtr left_, right_;
@@ -220,6 +238,7 @@ class Disjunction final : public NumericExp {
     if (left_->Evaluate() != 0.0f) return 1.0f;
     return Truth(right_->Evaluate() != 0.0f);
   }
+  bool Test() override { return left_->Test() || right_->Test(); }
 
  private:
   NumericExpPtr left_, right_;

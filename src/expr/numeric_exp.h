@@ -23,6 +23,9 @@ class NumericExp {
   virtual size_t Size() const = 0;  // this node and its operands, in bytes
   virtual void List(std::string& out) const = 0;
   virtual float Evaluate() = 0;
+  // The value as a condition (not 0). Relations and logical operators answer
+  // without making a 1 or 0 first, so that IF and WHILE branch on the comparison.
+  virtual bool Test() { return Evaluate() != 0.0f; }
 };
 using NumericExpPtr = std::unique_ptr<NumericExp>;
 
