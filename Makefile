@@ -30,7 +30,7 @@ WEB_PKGS   := emscripten binaryen
 WEB_TEST_PKGS := chromium python3
 
 .PHONY: all run test deps test-deps peers build build-tests checks layers unit e2e terminal gdi \
-	process asan fuzz bench docs install package package-test format clean \
+	process asan fuzz bench docs install package package-test mutate format clean \
 	web web-deps web-node web-serve web-test web-stage web-bench
 
 all: build
@@ -115,13 +115,16 @@ process: build-tests
 	tests/process/process_tests.sh $(BUILD)/basic
 	tests/process/files_tests.sh $(BUILD)/basic
 
-# The same unit and end-to-end suites under address and undefined-behaviour sanitizers.
+# The unit, end-to-end, process and window suites under address and undefined-behaviour
+# sanitizers.
 asan: test-deps
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DBASIC_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure
 	ASAN_OPTIONS=detect_leaks=1 tests/run_e2e.sh $(ASAN_BUILD)/basic
 	ASAN_OPTIONS=detect_leaks=1 tests/process/process_tests.sh $(ASAN_BUILD)/basic
+	ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$(CURDIR)/tests/gdi/lsan.supp \
+	  sh -c 'tests/gdi/examples.sh $(ASAN_BUILD) && tests/gdi/window_xvfb.sh $(ASAN_BUILD)'
 
 # libFuzzer targets (clang): the kept findings replayed, then FUZZ_SECONDS of each.
 fuzz: test-deps
@@ -179,6 +182,13 @@ package: build
 # The package unpacked and run on its own examples; lintian finds no error.
 package-test: test-deps package
 	tests/package/deb_test.sh $$(ls -t $(BUILD)/velo-basic_*.deb | head -n 1)
+
+# Mutation testing: FILES (default: changed since origin/main), N mutants per file
+# (10), SEED to repeat a run; survivors and the score go to tests/mutation/LAST.md.
+N ?= 10
+SEED ?=
+mutate: test-deps
+	python3 tests/mutation/mutate.py --files "$(FILES)" --n $(N) $(if $(SEED),--seed $(SEED)) --jobs $(JOBS)
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

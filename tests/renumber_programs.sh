@@ -20,22 +20,25 @@ for bas in "$here"/programs/*.bas; do
   [[ -n "$filter" && "$name" != *$filter* ]] && continue
   stdin=/dev/null
   [ -f "${bas%.bas}.stdin" ] && stdin="${bas%.bas}.stdin"
+  # Programs named classic_* run with the classic switch, as run_e2e.sh runs them.
+  flags=()
+  [[ "$name" == classic_* ]] && flags=(--classic)
   rm -rf "$work/prog" && cp -r "$here/programs" "$work/prog"
   # The numbers the lines have once loaded, in order: the old side of the map.
-  (cd "$work/prog" && printf 'GET %s.bas\nLIST\n' "$name" | "$basic" >"$work/listing" 2>/dev/null)
+  (cd "$work/prog" && printf 'GET %s.bas\nLIST\n' "$name" | "$basic" "${flags[@]}" >"$work/listing" 2>/dev/null)
   grep -q '^Unable to load program' "$work/listing" && continue
   sed -n 's/^ *\([0-9][0-9]*\) .*/\1/p' "$work/listing" >"$work/numbers"
   # A "#!" first line is no statement: file line n is then listed line n-1.
   skip=0
   head -c 2 "$bas" | grep -q '^#!' && skip=1
   (cd "$work/prog" && printf 'GET %s.bas\nRENUMBER 1000,5\nSAVE %s.bas\n' "$name" "$name" |
-    "$basic" >"$work/shell" 2>&1)
+    "$basic" "${flags[@]}" >"$work/shell" 2>&1)
   if grep -q '^Not renumbered' "$work/shell"; then
     echo "--- FAIL: $name: $(grep '^Not renumbered' "$work/shell")"
     fail=$((fail + 1))
     continue
   fi
-  (cd "$work/prog" && timeout 20 "$basic" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
+  (cd "$work/prog" && timeout 20 "$basic" "${flags[@]}" "$name.bas" <"$stdin" >"$work/out" 2>/dev/null)
   echo "exit $?" >>"$work/out"
   # Old numbers in error reports become the new ones: the n-th line is 1000+5(n-1).
   # Trace numbers are mapped only in programs that trace.

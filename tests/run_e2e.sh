@@ -37,8 +37,12 @@ for bas in "$here"/programs/*.bas; do
   stdin=/dev/null
   [ -f "${bas%.bas}.stdin" ] && stdin="${bas%.bas}.stdin"
   # Programs run in a fresh copy of their folder: relative file names work, and
-  # the data files they write stay out of the source tree.
-  rm -rf "$work/prog" && cp -r "$here/programs" "$work/prog"
+  # the data files they write stay out of the source tree. The copy keeps the
+  # files' times, so one the last program left untouched is reused as it is.
+  if [ ! -d "$work/prog" ] || [ -n "$(find "$work/prog" -newer "$work/mark" -print -quit)" ]; then
+    rm -rf "$work/prog" && cp -a "$here/programs" "$work/prog"
+  fi
+  touch -d '-2 seconds' "$work/mark"
   # Programs named classic_* are old listings, run with the classic switch on.
   options=()
   [[ "$name" == classic_* ]] && options=(--classic)

@@ -108,7 +108,7 @@ for _ in $(seq 50); do kill -0 $shell 2>/dev/null || break; sleep 0.1; done
 if kill -0 $shell 2>/dev/null; then
   failed "BYE did not end the shell"
 else
-  wait $shell || failed "the shell ended with status $?"
+  wait $shell || failed "the shell ended with status $?: $(tail -n 30 "$work/err")"
 fi
 grep -q "off-screen" "$work/err" && failed "the windows were headless: $(cat "$work/err")"
 

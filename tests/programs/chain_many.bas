@@ -1,4 +1,4 @@
-10 COM N,S$,A(100)
+10 COM N,S$,A(100),R
 20 REM 100 chains to a missing file, then 2,000 chains that count in COM
 30 C=0
 40 FOR I=1 TO 100
@@ -8,4 +8,4 @@
 80 PRINT C;"CHAINS FAILED AS THEY SHOULD"
 90 N=0
 100 S$=""
-110 CHAIN "chain/many.bas"
+110 CHAIN R,"chain/many.bas"

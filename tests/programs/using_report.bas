@@ -18,7 +18,13 @@
 180 PRINT USING 50
 190 PRINT USING TOTAL;T
 200 PRINT USING 70;N,T/N
+201 REM The same statement again, its format read afresh each time
+202 FOR I=1 TO 3
+203 READ F$
+204 PRINT USING F$;I*2
+205 NEXT I
 210 DATA 42,"Anders",1250.5,7,"Baker & Sons",-310.25
 220 DATA 1234,"Cooperative Dairy Ltd",98765.43,3,"Dahl",0.004
 230 DATA 99999,"Eng",-0.5,0,"",0
+235 DATA "3d","5d","2d"
 240 END
