@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <type_traits>
 
 #include "base/convert.h"
 #include "expr/expr_context.h"
@@ -184,6 +185,13 @@ template <typename Op>
 NumericExpPtr MakeBinary(NumericExpPtr left, NumericExpPtr right) {
   if constexpr (!Op::kHot) {
     return std::make_unique<Binary<Op>>(std::move(left), std::move(right));
+  } else if constexpr (std::is_same_v<Op, AddOp> || std::is_same_v<Op, SubtractOp>) {
+    return WithSumOperand(left.get(), [&](auto l) {
+      return WithSumOperand(right.get(), [&](auto r) -> NumericExpPtr {
+        using Node = Binary<Op, decltype(l), decltype(r)>;
+        return std::make_unique<Node>(std::move(left), std::move(right));
+      });
+    });
   } else {
     return WithOperand(left.get(), [&](auto l) {
       return WithOperand(right.get(), [&](auto r) -> NumericExpPtr {
@@ -272,7 +280,7 @@ template <typename Op>
 NumericExpPtr Fold(NumericExpPtr left, NumericExpPtr right) {
   if (right->Kind() == NumericExp::kLiteral) {
     float constant = static_cast<NumericLit&>(*right).value();
-    return WithVarOperand(left.get(), [&](auto l) -> NumericExpPtr {
+    return WithLeftOperand(left.get(), [&](auto l) -> NumericExpPtr {
       return std::make_unique<BinaryEC<Op, decltype(l)>>(std::move(left), constant);
     });
   }
@@ -510,9 +518,22 @@ NumericExp* LookThrough(NumericExp* node) {
   return node;
 }
 
+NumericExp* ProductFactor(NumericExp* node, bool right) {
+  NumericExp *l = nullptr, *r = nullptr;
+  float constant;
+  ArithmeticOperands(node, &l, &r, &constant);
+  return LookThrough(right ? r : l);
+}
+
 OperandForm FormOf(NumericExp* node) {
   if (node->Kind() == NumericExp::kLiteral) return OperandForm::kConst;
   if (dynamic_cast<NumericSimpleVar*>(node)) return OperandForm::kVar;
+  NumericExp *l, *r;
+  float constant;
+  if (node->Kind() == tok::kStar && ArithmeticOperands(node, &l, &r, &constant) && r &&
+      dynamic_cast<NumericSimpleVar*>(LookThrough(l)) &&
+      dynamic_cast<NumericSimpleVar*>(LookThrough(r)))
+    return OperandForm::kProduct;
   return OperandForm::kTree;
 }
 

@@ -52,6 +52,8 @@ bool LiteralValue(const NumericExp* node, float* value);
 // True, with the operands, when node is an arithmetic operator (+ - * /);
 // *right is null when a literal right operand was folded into *constant.
 bool ArithmeticOperands(NumericExp* node, NumericExp** left, NumericExp** right, float* constant);
+// A factor of a product of two simple variables (FormOf finds them), looked through.
+NumericExp* ProductFactor(NumericExp* node, bool right);
 // The node inside any parentheses around it (a parenthesised node only passes
 // its operand's value on).
 NumericExp* LookThrough(NumericExp* node);
