@@ -22,7 +22,7 @@ TEST_PKGS  := libgtest-dev tmux xvfb groff-base x11-apps xdotool libx11-dev clan
               dpkg-dev lintian
 OPT_PKGS   := ccache libbenchmark-dev
 # Other interpreters that make bench compares with; a missing one only empties its column.
-PEER_PKGS  := yabasic brandy bwbasic lua5.4
+PEER_PKGS  := yabasic brandy bwbasic lua5.4 luajit
 # The web page: the compiler to WebAssembly, the browser its test drives and the Python of
 # its local server. Node.js and npm (Debian's, unless the machine has its own) bring the
 # terminal widget and the browser test's driver into web/node_modules.

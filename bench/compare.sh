@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs every benchmark program in this interpreter and in its twins for the other
-# interpreters (yabasic, brandy, bwbasic, lua5.4) and in C, checks that all print the same
-# result, and prints two tables: CPU time (median of RUNS runs) and peak memory.
+# interpreters (yabasic, brandy, bwbasic, lua5.4, LuaJIT with its JIT off and on) and in C,
+# checks that all print the same result, and prints two tables: CPU time (median of RUNS
+# runs) and peak memory.
 #   compare.sh path/to/basic [name-filter]
 # Environment: RUNS (default 5), RESULTS (file to write the tables to; default
 # bench/RESULTS.md when no filter is given, none otherwise).
@@ -27,14 +28,16 @@ for c in "$progs"/*.c; do
 done
 
 # Implementations: column label, twin file extension, command (the file is appended).
-labels=(ours yabasic brandy bwbasic lua C)
-exts=(bas yab bbc bwb lua c)
+# LuaJIT runs the Lua twins twice: its interpreter alone (-joff), then with its compiler.
+labels=(ours yabasic brandy bwbasic lua luajit-joff luajit C)
+exts=(bas yab bbc bwb lua lua lua c)
 present=()
 for i in "${!labels[@]}"; do
   case ${labels[$i]} in
     ours) present[$i]=1 ;;
     C) present[$i]=1 ;;
     lua) command -v lua5.4 >/dev/null && present[$i]=1 || present[$i]=0 ;;
+    luajit*) command -v luajit >/dev/null && present[$i]=1 || present[$i]=0 ;;
     *) command -v "${labels[$i]}" >/dev/null && present[$i]=1 || present[$i]=0 ;;
   esac
   [ "${present[$i]}" = 1 ] || echo "note: ${labels[$i]} is not installed; its column stays empty"
@@ -48,6 +51,8 @@ command_for() {  # index file -> the command words in array cmd
     brandy) cmd=(env SDL_VIDEODRIVER=dummy brandy -quit "$2") ;;
     bwbasic) cmd=(bwbasic "$2") ;;
     lua) cmd=(lua5.4 "$2") ;;
+    luajit-joff) cmd=(luajit -joff "$2") ;;
+    luajit) cmd=(luajit "$2") ;;
     C) cmd=("$work/c/$(basename "$2" .c)") ;;
   esac
 }
@@ -118,9 +123,12 @@ done
 # Tables, in Markdown: times in CPU seconds, ratios as our time over theirs.
 fmt_time() { awk -v t="$1" 'BEGIN { printf(t < 0.1 ? "%.4f" : "%.3f", t) }'; }
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { if (a != "" && b > 0) printf("%.2f", a / b) }'; }
+index_of() { for i in "${!labels[@]}"; do [ "${labels[$i]}" = "$1" ] && echo "$i"; done; }
+ratio_heads=("ours/best BASIC" "ours/Lua" "ours/LuaJIT -joff" "ours/LuaJIT" "ours/C")
+ratio_of=(best lua luajit-joff luajit C)  # the column each ratio divides by
 table=$(
-  echo "| program | $(IFS='|'; echo "${labels[*]}" | sed 's/|/ | /g') | ours/best BASIC | ours/Lua | ours/C |"
-  echo "|---|$(printf -- '---:|%.0s' "${labels[@]}")---:|---:|---:|"
+  echo "| program | $(IFS='|'; echo "${labels[*]}" | sed 's/|/ | /g') | $(IFS='|'; echo "${ratio_heads[*]}" | sed 's/|/ | /g') |"
+  echo "|---|$(printf -- '---:|%.0s' "${labels[@]}" "${ratio_heads[@]}")"
   for name in "${order[@]}"; do
     [ -n "$filter" ] && [[ $name != *$filter* ]] && continue
     row="| $name |"
@@ -138,20 +146,20 @@ table=$(
       esac
     done
     ours=${cpu[$name,0]:-}
-    lua=${cpu[$name,4]:-}
-    c=${cpu[$name,5]:-}
-    rb=$(ratio "$ours" "$best")
-    rl=$(ratio "$ours" "$lua")
-    rc=$(ratio "$ours" "$c")
-    echo "$row $rb | $rl | $rc |"
+    for of in "${ratio_of[@]}"; do
+      if [ "$of" = best ]; then theirs=$best; else theirs=${cpu[$name,$(index_of "$of")]:-}; fi
+      row+=" $(ratio "$ours" "$theirs") |"
+    done
+    echo "$row"
   done
 )
 # Geometric means of the ratios over the workloads (start-up and memory are shown apart;
 # matinv is left out too: there our MAT statements face the peers' loops).
-geo=$(echo "$table" | awk -F'|' 'NR > 2 && $2 !~ /startup|memory|matinv/ {
-    for (c = 0; c < 3; c++) { v = $(NF - 3 + c) + 0; if (v > 0) { s[c] += log(v); n[c]++ } } }
-  END { printf("| geometric mean |%s", substr("||||||||||||", 1, 6))
-        for (c = 0; c < 3; c++) printf(" %s |", n[c] ? sprintf("%.2f", exp(s[c] / n[c])) : "")
+geo=$(echo "$table" | awk -F'|' -v k="${#ratio_heads[@]}" -v l="${#labels[@]}" \
+  'NR > 2 && $2 !~ /startup|memory|matinv/ {
+    for (c = 0; c < k; c++) { v = $(NF - k + c) + 0; if (v > 0) { s[c] += log(v); n[c]++ } } }
+  END { printf("| geometric mean |"); for (c = 0; c < l; c++) printf("|")
+        for (c = 0; c < k; c++) printf(" %s |", n[c] ? sprintf("%.2f", exp(s[c] / n[c])) : "")
         print "" }')
 # Start-up is also wanted as the wall-clock time a user waits for.
 startline=$(
@@ -214,15 +222,16 @@ if [ -n "$results" ]; then
     echo "- CPU: $(grep -m1 'model name' /proc/cpuinfo | cut -d: -f2- | sed 's/^ *//'), $(nproc) cores"
     echo "  (shared with other work; load average $(cut -d' ' -f1-3 /proc/loadavg) when the run ended)"
     echo "- System: $(uname -sr), Debian $(cat /etc/debian_version 2>/dev/null)"
-    echo "- Compilers: $("$cxx" --version | head -1); C versions with \`$cc -O2\`"
+    echo "- Compilers: $("$cxx" --version | head -1); C versions (single precision) with \`$cc -O2\`"
     echo "- Peers: yabasic $(peer_version yabasic), brandy $(peer_version brandy)," \
-      "bwbasic $(peer_version bwbasic), lua5.4 $(peer_version lua5.4)"
+      "bwbasic $(peer_version bwbasic), lua5.4 $(peer_version lua5.4), luajit $(peer_version luajit)"
     echo
     echo "$report"
     echo
     echo "An empty cell has no twin: bwbasic runs only the programs it finishes in under a"
-    echo "minute, C only four. \"1 run\" marks a program whose first run took over ${once} s;"
-    echo "\"n/a\" one that this interpreter does not run yet."
+    echo "minute; the data file programs have none. \"1 run\" marks a program whose first run took"
+    echo "over ${once} s, \"timeout\" one stopped after ${limit} s; \"n/a\" one that this"
+    echo "interpreter does not run yet."
   } >"$results"
   echo
   echo "Written to $results"

@@ -4,7 +4,7 @@ for i = 1, 300 do
   for j = 1, 300 do row[j] = (i * j) % 7 end
   a[i] = row
 end
-for k = 1, 30 do
+for k = 1, 240 do
   for i = 2, 300 do
     local up, row = a[i - 1], a[i]
     for j = 2, 300 do

@@ -1,4 +1,5 @@
-10 REM SELECT and IF branching: 2,400,000 values sorted into six counters
+10 REM SELECT and IF branching: 2,400,000 values sorted into six counters, eight times
+15 FOR R=1 TO 8
 20 A=0
 30 B=0
 40 C=0
@@ -23,4 +24,5 @@
 230 IF K<3 THEN F=F+1
 240 ENDIF
 250 NEXT I
+255 NEXT R
 260 PRINT A;B;C;D;E;F

@@ -1,4 +1,6 @@
-local a, b, c, d, e, f = 0, 0, 0, 0, 0, 0
+local a, b, c, d, e, f
+for r = 1, 8 do
+a, b, c, d, e, f = 0, 0, 0, 0, 0, 0
 for i = 1, 2400000 do
   local k = i % 10
   if k == 0 then a = a + 1
@@ -10,5 +12,6 @@ for i = 1, 2400000 do
   elseif k < 3 then
     f = f + 1
   end
+end
 end
 print(a, b, c, d, e, f)

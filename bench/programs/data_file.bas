@@ -1,5 +1,5 @@
 10 REM Data files: 160,000 numbers and 16,000 strings written serially into 2,000
-20 REM records of 256 words, read back serially, then 100,000 random record reads
+20 REM records of 256 words, read back serially, then 600,000 random record reads
 30 FILES *
 40 PURGE R,"bench.dat"
 50 CREATE R,"bench.dat",2000,256
@@ -16,7 +16,7 @@
 160 NEXT I
 170 PRINT "SERIAL";S
 180 S=0
-190 FOR I=1 TO 100000
+190 FOR I=1 TO 600000
 200 READ #1,1+(I*7 MOD 2000);A,B
 210 S=S+A+B
 220 IF S>100000 THEN S=S-100000

@@ -1,4 +1,5 @@
-10 REM Float arithmetic: a polynomial and two divisions per pass, summed by rows
+10 REM Float arithmetic: a polynomial and two divisions per pass, summed by rows, six times
+15 FOR R=1 TO 6
 20 T=0
 30 FOR I=1 TO 6000
 40 S=0
@@ -8,4 +9,5 @@
 80 NEXT J
 90 T=T+S
 100 NEXT I
+105 NEXT R
 110 PRINT INT(T/1000+0.5)

@@ -1,8 +1,10 @@
-10 REM GOSUB-heavy code: 15,000,000 calls, one level nested
+10 REM GOSUB-heavy code: 75,000,000 calls, one level nested
 20 S=0
+25 FOR R=1 TO 5
 30 FOR I=1 TO 7500000
 40 GOSUB 100
 50 NEXT I
+55 NEXT R
 60 PRINT S
 70 END
 100 S=S+3

@@ -7,5 +7,7 @@ local function sub1()
   s = s + 3
   sub2()
 end
-for i = 1, 7500000 do sub1() end
+for r = 1, 5 do
+  for i = 1, 7500000 do sub1() end
+end
 print(s)

@@ -1,5 +1,5 @@
-10 REM Mandelbrot set: 160 x 120 points, at most 100 iterations each, 8 passes
-20 FOR P=1 TO 8
+10 REM Mandelbrot set: 160 x 120 points, at most 100 iterations each, 40 passes
+20 FOR P=1 TO 40
 30 T=0
 40 N=0
 50 FOR Y=0 TO 119

@@ -1,5 +1,5 @@
 local t, n
-for p = 1, 8 do
+for p = 1, 40 do
   t, n = 0, 0
   for y = 0, 119 do
     local ci = y / 50 - 1.2
@@ -17,4 +17,4 @@ for p = 1, 8 do
     end
   end
 end
-print(n, t // 1000)
+print(n, math.floor(t / 1000))

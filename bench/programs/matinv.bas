@@ -1,4 +1,4 @@
-10 REM MAT statements: three inverses of a 200 x 200 matrix, each checked by a MAT
+10 REM MAT statements: 48 inverses of a 200 x 200 matrix, each checked by a MAT
 20 REM product, then the integer product of the matrix with itself
 30 N=200
 40 DIM A(200,200),B(200,200),C(200,200),D(200,200)
@@ -8,7 +8,7 @@
 80 NEXT J
 90 A(I,I)=A(I,I)+600
 100 NEXT I
-110 FOR R=1 TO 3
+110 FOR R=1 TO 48
 120 MAT B=INV(A)
 130 MAT C=A*B
 140 NEXT R

@@ -1,23 +1,26 @@
-/* Three inverses of a 200 x 200 matrix and the checks of matinv.bas: the
-   hardware's reference. */
+/* 48 inverses of a 200 x 200 matrix and the checks of matinv.bas: the hardware's
+   reference. The matrices hold floats; the inverse is worked in doubles, as MAT INV works. */
 #include <math.h>
 #include <stdio.h>
-#include <string.h>
 
 #define N 200
-static double a[N][N], w[N][N], c[N][N], d[N][N];
+static float a[N][N], b[N][N], c[N][N], d[N][N];
+static double w[N][N];
 static int pivots[N];
 
-static void product(double x[N][N], double y[N][N], double out[N][N]) {
+static void product(float x[N][N], float y[N][N], float out[N][N]) {
+  static double sum[N];
   for (int i = 0; i < N; i++) {
-    for (int j = 0; j < N; j++) out[i][j] = 0;
+    for (int j = 0; j < N; j++) sum[j] = 0;
     for (int k = 0; k < N; k++)
-      for (int j = 0; j < N; j++) out[i][j] += x[i][k] * y[k][j];
+      for (int j = 0; j < N; j++) sum[j] += (double)x[i][k] * y[k][j];
+    for (int j = 0; j < N; j++) out[i][j] = (float)sum[j];
   }
 }
 
 static void inverse(void) {
-  memcpy(w, a, sizeof w);
+  for (int i = 0; i < N; i++)
+    for (int j = 0; j < N; j++) w[i][j] = a[i][j];
   for (int k = 0; k < N; k++) {
     int best = k;
     double largest = fabs(w[k][k]);
@@ -46,6 +49,8 @@ static void inverse(void) {
         w[i][k] = w[i][pivots[k]];
         w[i][pivots[k]] = t;
       }
+  for (int i = 0; i < N; i++)
+    for (int j = 0; j < N; j++) b[i][j] = (float)w[i][j];
 }
 
 int main(void) {
@@ -53,9 +58,9 @@ int main(void) {
     for (int j = 0; j < N; j++) a[i][j] = ((i + 1) * (j + 1) + i + 1) % 7;
     a[i][i] += 600;
   }
-  for (int r = 0; r < 3; r++) {
+  for (int r = 0; r < 48; r++) {
     inverse();
-    product(a, w, c);
+    product(a, b, c);
   }
   double t = 0, e = 0;
   for (int i = 0; i < N; i++) {

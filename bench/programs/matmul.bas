@@ -1,4 +1,4 @@
-10 REM Matrix product with FOR loops: two 170 x 170 matrices
+10 REM Matrix product with FOR loops: two 170 x 170 matrices, nine times
 20 N=170
 30 DIM A(170,170),B(170,170),C(170,170)
 40 FOR I=1 TO N
@@ -7,6 +7,7 @@
 70 B(I,J)=(I*J) MOD 5
 80 NEXT J
 90 NEXT I
+95 FOR R=1 TO 9
 100 FOR I=1 TO N
 110 FOR J=1 TO N
 120 S=0
@@ -16,6 +17,7 @@
 160 C(I,J)=S
 170 NEXT J
 180 NEXT I
+185 NEXT R
 190 S=0
 200 FOR I=1 TO N
 210 S=S+C(I,N+1-I)

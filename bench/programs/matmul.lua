@@ -7,6 +7,7 @@ for i = 1, n do
     b[i][j] = (i * j) % 5
   end
 end
+for r = 1, 9 do
 for i = 1, n do
   local ai, ci = a[i], c[i]
   for j = 1, n do
@@ -14,6 +15,7 @@ for i = 1, n do
     for k = 1, n do s = s + ai[k] * b[k][j] end
     ci[j] = s
   end
+end
 end
 local s = 0
 for i = 1, n do s = s + c[i][n + 1 - i] end

@@ -1,1 +1,3 @@
-for i = 1, 500000 do print(i) end
+for r = 1, 10 do
+  for i = 1, 500000 do print(i) end
+end

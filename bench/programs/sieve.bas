@@ -1,7 +1,7 @@
-10 REM Sieve of Eratosthenes up to 1,000,000 with WHILE loops, 2 passes
+10 REM Sieve of Eratosthenes up to 1,000,000 with WHILE loops, 16 passes
 20 N=1000000
 30 DIM F(1000000)
-40 FOR P=1 TO 2
+40 FOR P=1 TO 16
 50 FOR I=2 TO N
 60 F(I)=1
 70 NEXT I

@@ -1,7 +1,7 @@
 local n = 1000000
 local f = {}
 local c
-for p = 1, 2 do
+for p = 1, 16 do
   for i = 2, n do f[i] = 1 end
   local i = 2
   while i * i <= n do

@@ -1,7 +1,7 @@
 10 REM String building and substrings: a 500-character string built by
-20 REM concatenation, then cut into pieces and measured, 4,000 times
+20 REM concatenation, then cut into pieces and measured, 12,000 times
 30 N=0
-40 FOR K=1 TO 4000
+40 FOR K=1 TO 12000
 50 B$=""
 60 FOR I=1 TO 500
 70 B$=B$+CHR$(65+(I+K) MOD 26)

@@ -1,5 +1,5 @@
 local n = 0
-for k = 1, 4000 do
+for k = 1, 12000 do
   local b = ""
   for i = 1, 500 do b = b .. string.char(65 + (i + k) % 26) end
   for i = 1, 490 do

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <type_traits>
 
 #include "base/convert.h"
 #include "base/dialect.h"
@@ -63,6 +64,7 @@ class Primary final : public NumericExp {
     out += ')';
   }
   float Evaluate() override { return inner_->Evaluate(); }
+  bool Test() override { return inner_->Test(); }
   NumericExp* Inner() const { return inner_.get(); }
 
  private:
@@ -79,6 +81,7 @@ class Not final : public NumericExp {
     operand_->List(out);
   }
   float Evaluate() override { return Truth(operand_->Evaluate() == 0.0f); }
+  bool Test() override { return !operand_->Test(); }
 
  private:
   NumericExpPtr operand_;
@@ -125,6 +128,15 @@ class Binary final : public NumericExp, public TwoOperands {
       return Op::Apply(left, r_.Get());
     }
   }
+  bool Test() override {
+    if constexpr (requires { Op::Holds(0.0f, 0.0f); }) {
+      static_assert(!Op::kRightFirst);
+      float left = l_.Get();
+      return Op::Holds(left, r_.Get());
+    } else {
+      return Evaluate() != 0.0f;
+    }
+  }
   void Operands(NumericExp** left, NumericExp** right, float*) const override {
     *left = left_.get();
     *right = right_.get();
@@ -151,6 +163,12 @@ class BinaryEC final : public NumericExp, public TwoOperands {
     Appendf(out, "%.15lg", ListedValue(constant_));
   }
   float Evaluate() override { return Op::Apply(l_.Get(), constant_); }
+  bool Test() override {
+    if constexpr (requires { Op::Holds(0.0f, 0.0f); })
+      return Op::Holds(l_.Get(), constant_);
+    else
+      return Evaluate() != 0.0f;
+  }
   void Operands(NumericExp** left, NumericExp** right, float* constant) const override {
     *left = left_.get();
     *right = nullptr;
@@ -168,6 +186,13 @@ template <typename Op>
 NumericExpPtr MakeBinary(NumericExpPtr left, NumericExpPtr right) {
   if constexpr (!Op::kHot) {
     return std::make_unique<Binary<Op>>(std::move(left), std::move(right));
+  } else if constexpr (std::is_same_v<Op, AddOp> || std::is_same_v<Op, SubtractOp>) {
+    return WithSumOperand(left.get(), [&](auto l) {
+      return WithSumOperand(right.get(), [&](auto r) -> NumericExpPtr {
+        using Node = Binary<Op, decltype(l), decltype(r)>;
+        return std::make_unique<Node>(std::move(left), std::move(right));
+      });
+    });
   } else {
     return WithOperand(left.get(), [&](auto l) {
       return WithOperand(right.get(), [&](auto r) -> NumericExpPtr {
@@ -201,6 +226,7 @@ class Conjunction final : public NumericExp {
     if (left_->Evaluate() == 0.0f) return 0.0f;
     return Truth(right_->Evaluate() != 0.0f);
   }
+  bool Test() override { return left_->Test() && right_->Test(); }
 
  private:
   NumericExpPtr left_, right_;
@@ -221,6 +247,7 @@ class Disjunction final : public NumericExp {
     if (left_->Evaluate() != 0.0f) return 1.0f;
     return Truth(right_->Evaluate() != 0.0f);
   }
+  bool Test() override { return left_->Test() || right_->Test(); }
 
  private:
   NumericExpPtr left_, right_;
@@ -254,7 +281,7 @@ template <typename Op>
 NumericExpPtr Fold(NumericExpPtr left, NumericExpPtr right) {
   if (right->Kind() == NumericExp::kLiteral) {
     float constant = static_cast<NumericLit&>(*right).value();
-    return WithVarOperand(left.get(), [&](auto l) -> NumericExpPtr {
+    return WithLeftOperand(left.get(), [&](auto l) -> NumericExpPtr {
       return std::make_unique<BinaryEC<Op, decltype(l)>>(std::move(left), constant);
     });
   }
@@ -504,9 +531,22 @@ NumericExp* LookThrough(NumericExp* node) {
   return node;
 }
 
+NumericExp* ProductFactor(NumericExp* node, bool right) {
+  NumericExp *l = nullptr, *r = nullptr;
+  float constant;
+  ArithmeticOperands(node, &l, &r, &constant);
+  return LookThrough(right ? r : l);
+}
+
 OperandForm FormOf(NumericExp* node) {
   if (node->Kind() == NumericExp::kLiteral) return OperandForm::kConst;
   if (dynamic_cast<NumericSimpleVar*>(node)) return OperandForm::kVar;
+  NumericExp *l, *r;
+  float constant;
+  if (node->Kind() == tok::kStar && ArithmeticOperands(node, &l, &r, &constant) && r &&
+      dynamic_cast<NumericSimpleVar*>(LookThrough(l)) &&
+      dynamic_cast<NumericSimpleVar*>(LookThrough(r)))
+    return OperandForm::kProduct;
   return OperandForm::kTree;
 }
 

@@ -23,6 +23,9 @@ class NumericExp {
   virtual size_t Size() const = 0;  // this node and its operands, in bytes
   virtual void List(std::string& out) const = 0;
   virtual float Evaluate() = 0;
+  // The value as a condition (not 0). Relations and logical operators answer
+  // without making a 1 or 0 first, so that IF and WHILE branch on the comparison.
+  virtual bool Test() { return Evaluate() != 0.0f; }
 };
 using NumericExpPtr = std::unique_ptr<NumericExp>;
 
@@ -49,6 +52,8 @@ bool LiteralValue(const NumericExp* node, float* value);
 // True, with the operands, when node is an arithmetic operator (+ - * /);
 // *right is null when a literal right operand was folded into *constant.
 bool ArithmeticOperands(NumericExp* node, NumericExp** left, NumericExp** right, float* constant);
+// A factor of a product of two simple variables (FormOf finds them), looked through.
+NumericExp* ProductFactor(NumericExp* node, bool right);
 // The node inside any parentheses around it (a parenthesised node only passes
 // its operand's value on).
 NumericExp* LookThrough(NumericExp* node);

@@ -3,6 +3,7 @@
 // parentheses are looked through; the operand nodes stay in the tree, which
 // lists and sizes them as before.
 #pragma once
+#include "expr/operators.h"
 #include "expr/variables.h"
 
 // Any node: one virtual call.
@@ -27,7 +28,20 @@ struct ConstOperand {
   float value_ = 0.0f;
 };
 
-enum class OperandForm { kTree, kVar, kConst };
+// A product of two simple variables (X*X, A*B), the commonest operator
+// subtree: multiplied in place, a virtual call fewer for the sum or the
+// comparison it stands in. The right factor is read first, as its node reads it.
+struct ProductOperand {
+  explicit ProductOperand(NumericExp* node)
+      : l_(ProductFactor(node, false)), r_(ProductFactor(node, true)) {}
+  float Get() const {
+    float right = r_.Get();
+    return MultiplyOp::Apply(l_.Get(), right);
+  }
+  VarOperand l_, r_;
+};
+
+enum class OperandForm { kTree, kVar, kConst, kProduct };
 // The form that reads node (already looked through).
 OperandForm FormOf(NumericExp* node);
 
@@ -46,7 +60,31 @@ auto WithOperand(NumericExp* node, Make make) {
   }
 }
 
-// The same without the literal form, for nodes whose operands are seldom constant.
+// The same with the product form too, for the operands of sums, differences
+// and assignments, where products stand most (ZR*ZR+ZI*ZI).
+template <typename Make>
+auto WithSumOperand(NumericExp* node, Make make) {
+  if (FormOf(LookThrough(node)) == OperandForm::kProduct)
+    return make(ProductOperand(LookThrough(node)));
+  return WithOperand(node, make);
+}
+
+// The same without the literal form, for the left operand of a node that has
+// its literal right operand folded in.
+template <typename Make>
+auto WithLeftOperand(NumericExp* node, Make make) {
+  node = LookThrough(node);
+  switch (FormOf(node)) {
+    case OperandForm::kVar:
+      return make(VarOperand(node));
+    case OperandForm::kProduct:
+      return make(ProductOperand(node));
+    default:
+      return make(TreeOperand(node));
+  }
+}
+
+// Variables and trees only, for nodes whose operands are seldom constant.
 template <typename Make>
 auto WithVarOperand(NumericExp* node, Make make) {
   node = LookThrough(node);

@@ -88,42 +88,48 @@ struct EqOp {
   static constexpr bool kHot = true;
   static constexpr const char* kText = "=";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a == b); }
+  static bool Holds(float a, float b) { return a == b; }
+  static float Apply(float a, float b) { return Truth(Holds(a, b)); }
 };
 struct NeOp {
   static constexpr TokenCode kKind = tok::kNE;
   static constexpr bool kHot = true;
   static constexpr const char* kText = "<>";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(!(a == b)); }
+  static bool Holds(float a, float b) { return !(a == b); }
+  static float Apply(float a, float b) { return Truth(Holds(a, b)); }
 };
 struct LtOp {
   static constexpr TokenCode kKind = tok::kLT;
   static constexpr bool kHot = true;
   static constexpr const char* kText = "<";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a < b); }
+  static bool Holds(float a, float b) { return a < b; }
+  static float Apply(float a, float b) { return Truth(Holds(a, b)); }
 };
 struct LeOp {
   static constexpr TokenCode kKind = tok::kLE;
   static constexpr bool kHot = true;
   static constexpr const char* kText = "<=";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a <= b); }
+  static bool Holds(float a, float b) { return a <= b; }
+  static float Apply(float a, float b) { return Truth(Holds(a, b)); }
 };
 struct GtOp {
   static constexpr TokenCode kKind = tok::kGT;
   static constexpr bool kHot = true;
   static constexpr const char* kText = ">";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a > b); }
+  static bool Holds(float a, float b) { return a > b; }
+  static float Apply(float a, float b) { return Truth(Holds(a, b)); }
 };
 struct GeOp {
   static constexpr TokenCode kKind = tok::kGE;
   static constexpr bool kHot = true;
   static constexpr const char* kText = ">=";
   static constexpr bool kRightFirst = false;
-  static float Apply(float a, float b) { return Truth(a >= b); }
+  static bool Holds(float a, float b) { return a >= b; }
+  static float Apply(float a, float b) { return Truth(Holds(a, b)); }
 };
 struct XorOp {
   static constexpr TokenCode kKind = tok::kXor;

@@ -105,7 +105,8 @@ class StringRelation final : public NumericExp {
     out += Op::kText;
     right_->List(out);
   }
-  float Evaluate() override {
+  float Evaluate() override { return Test() ? 1.0f : 0.0f; }
+  bool Test() override {
     std::string_view left = left_->Evaluate(leftWork_);
     if (copyLeft_ && left.data() != leftWork_.Data()) {
       // The right side may change the variable the view points into.
@@ -114,7 +115,7 @@ class StringRelation final : public NumericExp {
       left = leftWork_.View();
     }
     std::string_view right = right_->Evaluate(rightWork_);
-    return Op::Test(CompareStrings(left, right)) ? 1.0f : 0.0f;
+    return Op::Test(CompareStrings(left, right));
   }
 
  private:

@@ -180,7 +180,8 @@ class StringElement final : public StringScriptVar {
       : StringScriptVar(name, std::move(subscripts)), at_(subscripts_) {
     quiet_ = true;
     for (const auto& s : subscripts_)
-      quiet_ = quiet_ && FormOf(LookThrough(s.get())) != OperandForm::kTree;
+      quiet_ = quiet_ && (FormOf(LookThrough(s.get())) == OperandForm::kVar ||
+                          FormOf(LookThrough(s.get())) == OperandForm::kConst);
   }
   StringValue* Locate() override { return at_.Find(data_); }
   bool Quiet() const override { return quiet_; }

@@ -53,6 +53,7 @@ class NumericSimpleVar final : public NumericVar {
   size_t Size() const override { return sizeof *this; }
   void List(std::string& out) const override;
   float Evaluate() override { return ReadValue(data_->value); }
+  bool Test() override { return Evaluate() != 0.0f; }  // one call, not two: the class is final
   void Assign(float value) override { data_->value = value; }
   void Add(float value) { data_->value += value; }
   ErrorCode Link(ExprContext& prog) override;

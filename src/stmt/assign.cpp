@@ -226,7 +226,7 @@ StatementPtr MakeLetUpdate(bool spelled, std::unique_ptr<NumericSimpleVar> targe
     return std::make_unique<LetUpdateStmt<Op, ConstOperand>>(
         spelled, std::move(target), std::move(exp), var, ConstOperand(constant));
   }
-  return WithOperand(right, [&](auto r) -> StatementPtr {
+  return WithSumOperand(right, [&](auto r) -> StatementPtr {
     using Stmt = LetUpdateStmt<Op, decltype(r)>;
     return std::make_unique<Stmt>(spelled, std::move(target), std::move(exp), var, r);
   });
@@ -260,7 +260,7 @@ StatementPtr MakeLetUpdate(bool spelled, std::unique_ptr<NumericSimpleVar>& targ
 
 template <typename Target>
 StatementPtr MakeLetNumeric(bool spelled, std::unique_ptr<Target> target, NumericExpPtr exp) {
-  return WithOperand(exp.get(), [&](auto value) -> StatementPtr {
+  return WithSumOperand(exp.get(), [&](auto value) -> StatementPtr {
     using Stmt = LetNumericStmt<Target, decltype(value)>;
     return std::make_unique<Stmt>(spelled, std::move(target), std::move(exp));
   });

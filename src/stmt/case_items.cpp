@@ -1,5 +1,7 @@
 #include "stmt/case_items.h"
 
+#include <type_traits>
+
 #include "expr/expr_context.h"
 #include "expr/operands.h"
 #include "lex/parse_attempt.h"
@@ -51,6 +53,14 @@ class CaseNumericEQ final : public NumericCase {
   size_t Size() const override { return sizeof *this + value_->Size(); }
   void List(std::string& out) const override { value_->List(out); }
   bool Matches(float selector) override { return selector == v_.Get(); }
+  bool Constant(float* low, float* high) const override {
+    if constexpr (std::is_same_v<V, ConstOperand>) {
+      *low = *high = v_.Get();
+      return true;
+    } else {
+      return NumericCase::Constant(low, high);
+    }
+  }
 
  private:
   NumericExpPtr value_;
@@ -106,6 +116,15 @@ class CaseNumericRange final : public NumericCase {
     float low = l_.Get();
     float high = h_.Get();
     return low <= selector && selector <= high;
+  }
+  bool Constant(float* low, float* high) const override {
+    if constexpr (std::is_same_v<L, ConstOperand> && std::is_same_v<H, ConstOperand>) {
+      *low = l_.Get();
+      *high = h_.Get();
+      return true;
+    } else {
+      return NumericCase::Constant(low, high);
+    }
   }
 
  private:

@@ -12,6 +12,9 @@ class NumericCase {
   virtual size_t Size() const = 0;
   virtual void List(std::string& out) const = 0;
   virtual bool Matches(float selector) = 0;
+  // True, with the least and greatest value it accepts, for a literal or a
+  // range of literals: matching it then has no effect and no error.
+  virtual bool Constant(float* /*low*/, float* /*high*/) const { return false; }
 };
 using NumericCasePtr = std::unique_ptr<NumericCase>;
 

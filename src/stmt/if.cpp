@@ -75,9 +75,9 @@ class IfDoStmt final : public BlockOpener {
  public:
   explicit IfDoStmt(NumericExpPtr condition) : condition_(std::move(condition)) {}
   Statement* Execute() override {
-    float value = condition_->Evaluate();
+    bool holds = condition_->Test();
     if (g_err.run) return successor_;
-    return value == 0.0f ? false_ : successor_;
+    return holds ? successor_ : false_;
   }
   TokenCode Code() const override { return tok::kIf; }
   size_t Size() const override { return sizeof *this + condition_->Size(); }
@@ -125,9 +125,9 @@ class IfStmtLabel final : public Statement {
   IfStmtLabel(NumericExpPtr condition, TargetRef target)
       : condition_(std::move(condition)), target_(std::move(target)) {}
   Statement* Execute() override {
-    float value = condition_->Evaluate();
+    bool holds = condition_->Test();
     if (g_err.run) return successor_;
-    return value == 0.0f ? successor_ : landing_;
+    return holds ? landing_ : successor_;
   }
   TokenCode Code() const override { return tok::kIf; }
   size_t Size() const override { return sizeof *this + condition_->Size(); }
@@ -160,9 +160,9 @@ class IfStmtStmt final : public Statement {
   IfStmtStmt(NumericExpPtr condition, StatementPtr then)
       : condition_(std::move(condition)), then_(std::move(then)) {}
   Statement* Execute() override {
-    float value = condition_->Evaluate();
+    bool holds = condition_->Test();
     if (g_err.run) return successor_;
-    return value == 0.0f ? successor_ : then_->Execute();
+    return holds ? then_->Execute() : successor_;
   }
   TokenCode Code() const override { return tok::kIf; }
   size_t Size() const override { return sizeof *this + condition_->Size() + then_->Size(); }

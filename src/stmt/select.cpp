@@ -1,6 +1,10 @@
 // SELECT ... CASE ... ENDSELECT over a numeric or a string selector.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <vector>
 
+#include "base/convert.h"
 #include "lex/parse_attempt.h"
 #include "stmt/blocks.h"
 #include "stmt/case_items.h"
@@ -27,6 +31,9 @@ class CaseStmt : public Statement {
   ErrorCode Check(StmtContext&) override { return matched_ ? 0 : err::kCaseWithoutSelect; }
   virtual bool Accepts(float selector) = 0;
   virtual bool Accepts(std::string_view selector) = 0;
+  // True, with the least and greatest value accepted, when the items are
+  // literals (CASE ELSE accepts all values and spans none).
+  virtual bool Constant(float* low, float* high) const = 0;
 
   CaseStmt* NextCase() const { return next_; }
   void Link(CaseStmt* next, Statement* exit) {
@@ -54,6 +61,17 @@ class CaseNumericStmt final : public CaseStmt {
   }
   bool Accepts(float selector) override { return AnyMatches(items_, selector); }
   bool Accepts(std::string_view) override { return false; }
+  bool Constant(float* low, float* high) const override {
+    *low = INFINITY;
+    *high = -INFINITY;
+    for (const auto& item : items_) {
+      float l, h;
+      if (!item->Constant(&l, &h)) return false;
+      *low = std::min(*low, l);
+      *high = std::max(*high, h);
+    }
+    return true;
+  }
 
  private:
   std::vector<NumericCasePtr> items_;
@@ -72,6 +90,7 @@ class CaseStringStmt final : public CaseStmt {
   }
   bool Accepts(float) override { return false; }
   bool Accepts(std::string_view selector) override { return AnyMatches(items_, selector); }
+  bool Constant(float*, float*) const override { return false; }
 
  private:
   std::vector<StringCasePtr> items_;
@@ -86,6 +105,11 @@ class CaseElseStmt final : public CaseStmt {
   }
   bool Accepts(float) override { return true; }
   bool Accepts(std::string_view) override { return true; }
+  bool Constant(float* low, float* high) const override {
+    *low = INFINITY;
+    *high = -INFINITY;
+    return true;
+  }
 };
 
 class EndSelectStmt final : public Statement {
@@ -173,6 +197,7 @@ class SelectStmt : public BlockOpener {
     exit_ = nullptr;
   }
   ErrorCode UnmatchedCode() const override { return err::kSelectWithoutEnd; }
+  CaseStmt* FirstCase() const { return first_; }
 
  private:
   bool numeric_;
@@ -187,16 +212,60 @@ class SelectNumericStmt final : public SelectStmt {
   Statement* Execute() override {
     float value = selector_->Evaluate();
     if (g_err.run) return successor_;
+    int32_t whole;
+    if (!table_.empty() && conv::ExactInt32(value, &whole)) {
+      // Below the first entry the difference wraps round past the table's end.
+      uint32_t at = static_cast<uint32_t>(whole) - static_cast<uint32_t>(tableStart_);
+      if (at < table_.size()) return table_[at];
+    }
     return Choose(value);
   }
-  size_t Size() const override { return sizeof *this + selector_->Size(); }
+  size_t Size() const override {
+    return sizeof *this + selector_->Size() + table_.capacity() * sizeof(Statement*);
+  }
   void List(std::string& out) const override {
     out += "SELECT ";
     selector_->List(out);
   }
 
+ protected:
+  Statement* FindCloser() override {
+    Statement* end = SelectStmt::FindCloser();
+    if (end) MakeTable();
+    return end;
+  }
+  void ClearLinks() override {
+    SelectStmt::ClearLinks();
+    table_.clear();
+  }
+
  private:
+  // The whole numbers up to this far apart get a table.
+  static constexpr float kTableSpan = 256.0f;
+
+  // When every CASE lists literals only, the choice for each whole number in
+  // their span is made here, once: a run looks it up instead of walking the items.
+  void MakeTable() {
+    float low = INFINITY, high = -INFINITY;
+    for (CaseStmt* c = FirstCase(); c; c = c->NextCase()) {
+      float l, h;
+      if (!c->Constant(&l, &h)) return;
+      low = std::min(low, l);
+      high = std::max(high, h);
+    }
+    low = std::ceil(low);
+    high = std::floor(high);
+    if (!(low <= high && high - low < kTableSpan && std::fabs(low) < 1e6f &&
+          std::fabs(high) < 1e6f))
+      return;
+    tableStart_ = static_cast<int32_t>(low);
+    for (int32_t v = tableStart_; v <= static_cast<int32_t>(high); ++v)
+      table_.push_back(Choose(static_cast<float>(v)));
+  }
+
   NumericExpPtr selector_;
+  std::vector<Statement*> table_;  // the choice for tableStart_, tableStart_ + 1, ...
+  int32_t tableStart_ = 0;
 };
 
 class SelectStringStmt final : public SelectStmt {

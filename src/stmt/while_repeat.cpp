@@ -1,5 +1,6 @@
 // WHILE ... NEXT/ENDWHILE and REPEAT ... UNTIL: condition loops.
 #include "lex/parse_attempt.h"
+#include "platform/break_flag.h"
 #include "stmt/blocks.h"
 #include "stmt/parsers.h"
 #include "stmt/stmt_context.h"
@@ -39,9 +40,19 @@ class WhileStmt final : public BlockOpener {
  public:
   explicit WhileStmt(NumericExpPtr condition) : condition_(std::move(condition)) {}
   Statement* Execute() override {
-    float value = condition_->Evaluate();
+    bool holds = condition_->Test();
     if (g_err.run) return successor_;
-    return value == 0.0f ? end_->Successor() : successor_;
+    return holds ? successor_ : end_->Successor();
+  }
+  // The test again, made by the loop's NEXT in the WHILE's stead; an error in
+  // the condition is still reported at the WHILE.
+  Statement* Again() {
+    bool holds = condition_->Test();
+    if (g_err.run) [[unlikely]] {
+      if (!HasLocation()) g_err.location = Location();
+      return successor_;
+    }
+    return holds ? successor_ : end_->Successor();
   }
   TokenCode Code() const override { return tok::kWhile; }
   size_t Size() const override { return sizeof *this + condition_->Size(); }
@@ -71,7 +82,9 @@ class WhileStmt final : public BlockOpener {
   NextWhileStmt* end_ = nullptr;  // its successor is the exit
 };
 
-Statement* NextWhileStmt::Execute() { return while_; }
+// The NEXT tests the condition itself, one statement fewer per pass; under
+// TRACE it goes back to the WHILE, so that the WHILE is listed as it runs.
+Statement* NextWhileStmt::Execute() { return Tracing() ? while_ : while_->Again(); }
 
 void NextWhileStmt::Dump(std::string& out) const {
   Statement::Dump(out);
@@ -137,9 +150,9 @@ class RepeatStmt final : public BlockOpener {
 };
 
 Statement* UntilStmt::Execute() {
-  float value = condition_->Evaluate();
+  bool holds = condition_->Test();
   if (g_err.run) return successor_;
-  return value == 0.0f ? repeat_->Successor() : successor_;
+  return holds ? successor_ : repeat_->Successor();
 }
 
 void UntilStmt::Dump(std::string& out) const {

@@ -48,6 +48,20 @@ TEST(Let, UpdatesOfTheTarget) {
   EXPECT_EQ(error, 1001u);
 }
 
+// A product of two variables is read in place inside sums and assignments;
+// it must compute, check and list as its node does.
+TEST(Let, ProductsOfVariables) {
+  EXPECT_EQ(Output({"10 A=3", "20 B=4", "30 C=A*B+B*A; D=A*A-(B*B); S=1; S=S+A*B; E=A*B",
+                    "40 F=A*A*0.5-A*B+1", "50 PRINT C;D;S;E;F"}),
+            " 24   -7     13    12   -6.5       \n");
+  EXPECT_EQ(ListingOf("C=(A*B)+B*A"), "C=(A*B)+B*A");
+  ErrorCode error = 0;
+  Output({"10 A=1", "20 C=A*Q+1"}, 72, &error);
+  EXPECT_EQ(error, 1001u);
+  Output({"10 A=1", "20 S=1", "30 S=S-Q*A"}, 72, &error);
+  EXPECT_EQ(error, 1001u);
+}
+
 TEST(Let, ParseErrors) {
   EXPECT_EQ(ParseErrorOf("LET"), 24u);
   EXPECT_EQ(ParseErrorOf("LET 5"), 24u);
