@@ -149,6 +149,19 @@ if [ "$faces" -lt 4 ]; then
   failures=$((failures + 1))
 fi
 
+# Without a display the windows are drawn off-screen: the program goes on, and
+# standard error says why, once.
+printf '10 WINDOW @1;100,100\n20 LINETO @1;10,10\n30 WINDOW @2;50,50\n40 PRINT "DRAWN"\n' \
+  >"$work/draw.bas"
+nodisplay() { env -u DISPLAY -u WAYLAND_DISPLAY SDL_VIDEODRIVER=x11 "$@"; }
+expect "no display: the program runs" 0 "DRAWN" stdout_only nodisplay "$basic" "$work/draw.bas"
+notices=$(nodisplay "$basic" "$work/draw.bas" 2>&1 >/dev/null |
+  grep -c '^basic: graphics windows are drawn off-screen only (.*)$')
+if [ "$notices" != 1 ]; then
+  echo "--- FAIL: no display: $notices notices instead of one"
+  failures=$((failures + 1))
+fi
+
 # Output through a pipe shows while the program still computes, down to one
 # character without a line end: a prompt that must be seen before a long wait.
 printf '10 PRINT "?";\n20 GOTO 20\n' >"$work/busy.bas"
