@@ -153,12 +153,21 @@ fi
 # standard error says why, once.
 printf '10 WINDOW @1;100,100\n20 LINETO @1;10,10\n30 WINDOW @2;50,50\n40 PRINT "DRAWN"\n' \
   >"$work/draw.bas"
-nodisplay() { env -u DISPLAY -u WAYLAND_DISPLAY SDL_VIDEODRIVER=x11 "$@"; }
+nodisplay() { env -u DISPLAY -u WAYLAND_DISPLAY SDL_VIDEODRIVER=x11 timeout 20 "$@"; }
 expect "no display: the program runs" 0 "DRAWN" stdout_only nodisplay "$basic" "$work/draw.bas"
 notices=$(nodisplay "$basic" "$work/draw.bas" 2>&1 >/dev/null |
   grep -c '^basic: graphics windows are drawn off-screen only (.*)$')
 if [ "$notices" != 1 ]; then
   echo "--- FAIL: no display: $notices notices instead of one"
+  failures=$((failures + 1))
+fi
+
+# A window open while the program sleeps costs next to no processor time: the
+# window thread waits for requests, it does not spin.
+printf '10 WINDOW @1;100,100\n20 LINETO @1;10,10\n30 SLEEP 1000\n' >"$work/idle.bas"
+cpu=$( { TIMEFORMAT='%U %S'; time SDL_VIDEODRIVER=dummy "$basic" "$work/idle.bas" >/dev/null 2>&1; } 2>&1)
+if ! awk -v t="$cpu" 'BEGIN { split(t, p, " "); exit !(p[1] + p[2] < 0.4) }'; then
+  echo "--- FAIL: a window open during SLEEP 1000 took $cpu s of processor time"
   failures=$((failures + 1))
 fi
 

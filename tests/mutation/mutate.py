@@ -5,7 +5,7 @@ Each mutant changes one line of one file by a rule (an operator swapped, a const
 moved by one, a condition negated, a statement dropped). It is built incrementally in a
 private copy of the tree and run against the fast suites in order, stopping at the first
 that fails: unit, end-to-end, renumbered programs, command line, sandbox, examples, and
-for the terminal's own files the shell on a tmux pane. A
+for the terminal's own files the shell on a tmux pane, for the window code real windows. A
 mutant that every suite passes survived: some behaviour is not tested, or the mutant
 changes nothing a user can observe (then it belongs in EQUIVALENT.md).
 
@@ -41,8 +41,11 @@ SUITES = [
     ("examples", ["{tree}/tests/examples.sh", "{build}/basic"], 120),
     # The terminal's own code runs only on a terminal: a tmux pane, for those files alone.
     ("terminal", ["{tree}/tests/terminal/shell_tmux.sh", "{build}/basic"], 120),
+    # Real windows need a display: an Xvfb server of the test's own, for the window code.
+    ("windows", ["{tree}/tests/gdi/window_xvfb.sh", "{build}"], 120),
 ]
-ONLY = {"terminal": re.compile(r"^src/(console/terminal_|platform/(terminal_restore|signals))")}
+ONLY = {"terminal": re.compile(r"^src/(console/terminal_|platform/(terminal_restore|signals))"),
+        "windows": re.compile(r"^src/gdi/(window_thread|gdi)\.cpp$")}
 
 # Rules: a pattern and its replacement, applied at one match on one line. Each
 # rule is one kind of fault a test should catch. Binary operators stand between
@@ -178,6 +181,7 @@ def prepare(jobs):
         sys.exit("mutate: cmake failed in " + BUILD)
     if build(jobs) != 0:
         sys.exit("mutate: the unmutated tree does not build")
+    build(jobs, "picture_tool", "x11_close")  # the window test's tools; it skips without them
     for name, cmd, limit in SUITES:
         if name not in ONLY and suite(cmd, limit) != 0:
             sys.exit(f"mutate: the {name} suite fails without any mutant; fix that first")
