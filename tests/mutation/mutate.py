@@ -205,7 +205,7 @@ def known_equivalents():
         for line in open(EQUIVALENT, encoding="utf-8"):
             m = re.match(r"^- `([^`]+):(\d+)` `([^`]*)`", line)
             if m:
-                known.add((m.group(1), int(m.group(2)), m.group(3)))
+                known.add((m.group(1), int(m.group(2)), m.group(3).strip()))
     return known
 
 
@@ -259,7 +259,7 @@ def main():
                 else:
                     if verdict:
                         killed += 1
-                    elif (rel, number, what) in known:
+                    elif (rel, number, what.strip()) in known:
                         equivalent += 1
                         verdict = "equivalent (EQUIVALENT.md)"
                     else:
