@@ -96,6 +96,8 @@ refused "ASSIGN \"folder_link/new.txt\",1,R,\"APPEND\""
 printf '10 CHAIN R,"file_link.bas"\n20 PRINT "STATUS";R\n' >status.bas
 [ "$("$basic" --sandbox . status.bas | tr -s ' ')" = "STATUS 2012 " ] ||
   fail "CHAIN with a status variable: $("$basic" --sandbox . status.bas)"
+[ "$("$basic" --sandbox=. status.bas | tr -s ' ')" = "STATUS 2012 " ] ||
+  fail "--sandbox=DIR: $("$basic" --sandbox=. status.bas)"
 printf '10 FILES *\n20 CREATE R,"sub/in.dat",1,8\n30 ASSIGN "sub/in.dat",1,S\n40 PRINT R;S\n' >in.bas
 printf '50 CHAIN "sub/inside_link.bas"\n' >>in.bas
 [ "$("$basic" --sandbox . in.bas | tr -s ' ')" = $' 0 0 \nINSIDE RAN' ] ||
