@@ -2,6 +2,7 @@
 // name, and temporaries of their own.
 #include "platform/host_files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -146,6 +147,29 @@ TEST_F(HostFiles, NamesAreFoundAsOldListingsExpect) {
   EXPECT_EQ(find(Path("a/nothing"), program), Path("a/nothing"));
   EXPECT_EQ(find(Path("none/x"), data), Path("none/x"));
   EXPECT_EQ(find(std::string("x\0", 2), data), "error " + std::to_string(EINVAL));
+}
+
+}  // namespace
+
+namespace {
+
+// Reads and writes at an offset, or at the descriptor's position (-1), move every
+// byte asked for, down to a single one.
+TEST_F(HostFiles, EveryByteGoesAndComes) {
+  std::string path = Path("bytes");
+  int fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
+  ASSERT_GE(fd, 0);
+  ASSERT_EQ(host::WriteAllAt(fd, "abcdef", 6, -1), 0);
+  ASSERT_EQ(host::WriteAllAt(fd, "X", 1, 2), 0);
+  ASSERT_EQ(host::WriteAllAt(fd, "Z", 1, -1), 0);
+  char back[8] = {};
+  ASSERT_EQ(host::ReadAllAt(fd, back, 7, 0), 0);
+  EXPECT_STREQ(back, "abXdefZ");
+  char one = 0;
+  ASSERT_EQ(host::ReadAllAt(fd, &one, 1, 3), 0);
+  EXPECT_EQ(one, 'd');
+  EXPECT_NE(host::ReadAllAt(fd, back, 2, 6), 0);  // past the end: not all there
+  close(fd);
 }
 
 }  // namespace
