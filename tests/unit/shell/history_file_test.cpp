@@ -16,6 +16,8 @@
 #include <sstream>
 #include <string>
 
+#include "console/line_history.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -133,14 +135,21 @@ TEST_F(History, TwoSessionsKeepEachOthersLines) {
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
   }
-  // Each session's lines in the file are its newest ones, without a gap.
+  // Each session's lines in the file are its newest ones, without a gap. A
+  // session that ran ahead of the other may have been cut back out entirely:
+  // then the other's lines fill the history.
   std::string text = Read(path);
   for (char session : {'A', 'B'}) {
     std::vector<int> numbers;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
       if (line[0] == session) numbers.push_back(std::stoi(line.substr(1)));
-    ASSERT_FALSE(numbers.empty()) << session;
+    if (numbers.empty()) {
+      EXPECT_GE(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')),
+                LineHistory::kMaxLines)
+          << session;
+      continue;
+    }
     EXPECT_EQ(numbers.back(), kLines - 1) << session;
     for (size_t i = 1; i < numbers.size(); ++i)
       ASSERT_EQ(numbers[i], numbers[i - 1] + 1)
