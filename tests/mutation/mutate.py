@@ -10,6 +10,7 @@ mutant that every suite passes survived: some behaviour is not tested, or the mu
 changes nothing a user can observe (then it belongs in EQUIVALENT.md).
 
 Usage: mutate.py [--files F1,F2] [--n 10] [--seed S] [--jobs 2] [--report PATH]
+       mutate.py --replay RUN_OUTPUT --at COMMIT   (the survivors of a run, again)
 Files default to those changed since origin/main (or, without that branch, the last
 commit and the uncommitted changes). The seed is printed, so a run can be repeated.
 """
@@ -23,7 +24,7 @@ import sys
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-WORK = os.path.join(ROOT, "build-mutate")
+WORK = os.environ.get("MUTATE_WORK") or os.path.join(ROOT, "build-mutate")  # one per run at once
 TREE = os.path.join(WORK, "tree")  # a private copy: the checkout is never touched
 BUILD = os.path.join(WORK, "build")
 EQUIVALENT = os.path.join(ROOT, "tests", "mutation", "EQUIVALENT.md")
@@ -95,9 +96,12 @@ def code_spans(line):
 
 def mutants_of(path):
     """Every (line number, old line, new line, description) the rules give for a file."""
-    found = []
     with open(path, encoding="utf-8", errors="surrogateescape") as f:
-        lines = f.readlines()
+        return mutants_in(f.readlines())
+
+
+def mutants_in(lines):
+    found = []
     in_block_comment = False
     for number, line in enumerate(lines, 1):
         text = line.rstrip("\n")
@@ -209,6 +213,40 @@ def known_equivalents():
     return known
 
 
+def sampled(files, n, rng):
+    """n mutants drawn at random from each file."""
+    for rel in files:
+        # Read from the private copy: the checkout may change while a long run goes on.
+        lines, candidates = mutants_of(os.path.join(TREE, rel))
+        for mutant in rng.sample(candidates, min(n, len(candidates))):
+            yield rel, lines, mutant
+
+
+def replayed(log, commit, known):
+    """The survivors a run's log names, made again in today's sources: each change is
+    found in the file as it was at the run's commit, then on the same line of text today
+    (the nearest one, if the line moved). Mutants listed as equivalent are left out."""
+    for entry in open(log, encoding="utf-8"):
+        if not entry.rstrip().endswith("SURVIVED"):
+            continue
+        place, what = entry.strip()[: -len("SURVIVED")].strip().split(None, 1)
+        rel, number = place.rsplit(":", 1)
+        number, what = int(number), what.strip()
+        if (rel, number, what) in known:
+            continue
+        then = subprocess.run(["git", "show", f"{commit}:{rel}"], cwd=ROOT, capture_output=True,
+                              text=True, errors="surrogateescape").stdout.splitlines(True)
+        match = [m for m in mutants_in(then)[1] if m[0] == number and m[3].strip() == what]
+        with open(os.path.join(TREE, rel), encoding="utf-8", errors="surrogateescape") as f:
+            lines = f.readlines()
+        today = [i for i, line in enumerate(lines, 1) if match and line.rstrip("\n") == match[0][1]]
+        if not today:
+            print(f"  {rel}:{number}  {what:<22} not found today: skipped", flush=True)
+            continue
+        _, old, new, _ = match[0]
+        yield rel, lines, (min(today, key=lambda i: abs(i - number)), old, new, what)
+
+
 def main():
     ap = argparse.ArgumentParser(description="Plants one-line faults and runs the fast suites.")
     ap.add_argument("--files", default=os.environ.get("FILES", ""))
@@ -216,60 +254,64 @@ def main():
     ap.add_argument("--seed", type=int, default=int(os.environ.get("SEED", "0") or 0))
     ap.add_argument("--jobs", type=int, default=int(os.environ.get("JOBS", "2") or 2))
     ap.add_argument("--report", default=os.path.join(ROOT, "tests", "mutation", "LAST.md"))
+    ap.add_argument("--replay", metavar="LOG", help="run again the survivors of a run's output")
+    ap.add_argument("--at", metavar="COMMIT", help="the commit the replayed run mutated")
     args = ap.parse_args()
-    files = [f for f in re.split(r"[,\s]+", args.files) if f] or default_files()
+    files = [f for f in re.split(r"[,\s]+", args.files) if f] or (
+        [] if args.replay else default_files())
     # The web build's own files are not compiled here: their mutants would all survive.
     files = [f for f in files if not re.search(r"(/web_[a-z_]+|_web)\.cpp$", f)]
-    if not files:
+    if not files and not args.replay:
         print("mutate: no source files to mutate (name them with FILES=src/...)")
         return 0
     seed = args.seed or random.SystemRandom().randrange(1, 2**31)
     rng = random.Random(seed)
-    print(f"mutate: seed {seed}, {args.n} mutants per file, files: {' '.join(files)}")
+    if args.replay:
+        print(f"mutate: the survivors of {args.replay} (run at {args.at}) again")
+    else:
+        print(f"mutate: seed {seed}, {args.n} mutants per file, files: {' '.join(files)}")
     prepare(args.jobs)
     known = known_equivalents()
     rows, killed, survived, stillborn, equivalent = [], 0, [], 0, 0
     started = time.time()
-    for rel in files:
-        # Read from the private copy: the checkout may change while a long run goes on.
-        lines, candidates = mutants_of(os.path.join(TREE, rel))
-        sample = rng.sample(candidates, min(args.n, len(candidates)))
+    mutants = (replayed(args.replay, args.at or "HEAD", known) if args.replay
+               else sampled(files, args.n, rng))
+    for rel, lines, (number, old, new, what) in mutants:
         target = os.path.join(TREE, rel)
-        for number, old, new, what in sample:
-            mutated = list(lines)
-            mutated[number - 1] = new + "\n"
-            with open(target, "w", encoding="utf-8", errors="surrogateescape") as f:
-                f.writelines(mutated)
-            try:
-                verdict, linked = None, False
-                for name, cmd, limit in SUITES:
-                    if name in ONLY and not ONLY[name].match(rel):
-                        continue
-                    if name == "unit" or not linked:
-                        if build(args.jobs, "basic_tests" if name == "unit" else "basic") != 0:
-                            verdict = "does not build"
-                            break
-                        linked = name != "unit"
-                    code = suite(cmd, limit)
-                    if code != 0:
-                        verdict = f"killed by {name}" + (" (timeout)" if code == "timeout" else "")
+        mutated = list(lines)
+        mutated[number - 1] = new + "\n"
+        with open(target, "w", encoding="utf-8", errors="surrogateescape") as f:
+            f.writelines(mutated)
+        try:
+            verdict, linked = None, False
+            for name, cmd, limit in SUITES:
+                if name in ONLY and not ONLY[name].match(rel):
+                    continue
+                if name == "unit" or not linked:
+                    if build(args.jobs, "basic_tests" if name == "unit" else "basic") != 0:
+                        verdict = "does not build"
                         break
-                if verdict == "does not build":
-                    stillborn += 1
+                    linked = name != "unit"
+                code = suite(cmd, limit)
+                if code != 0:
+                    verdict = f"killed by {name}" + (" (timeout)" if code == "timeout" else "")
+                    break
+            if verdict == "does not build":
+                stillborn += 1
+            else:
+                if verdict:
+                    killed += 1
+                elif (rel, number, what.strip()) in known:
+                    equivalent += 1
+                    verdict = "equivalent (EQUIVALENT.md)"
                 else:
-                    if verdict:
-                        killed += 1
-                    elif (rel, number, what.strip()) in known:
-                        equivalent += 1
-                        verdict = "equivalent (EQUIVALENT.md)"
-                    else:
-                        survived.append((rel, number, old.strip(), new.strip(), what))
-                        verdict = "SURVIVED"
-            finally:
-                with open(target, "w", encoding="utf-8", errors="surrogateescape") as f:
-                    f.writelines(lines)
-            rows.append((rel, number, what, verdict))
-            print(f"  {rel}:{number}  {what:<22} {verdict}", flush=True)
+                    survived.append((rel, number, old.strip(), new.strip(), what))
+                    verdict = "SURVIVED"
+        finally:
+            with open(target, "w", encoding="utf-8", errors="surrogateescape") as f:
+                f.writelines(lines)
+        rows.append((rel, number, what, verdict))
+        print(f"  {rel}:{number}  {what:<22} {verdict}", flush=True)
     build(args.jobs)  # leave the private tree built as it is in the checkout
     scored = killed + len(survived)
     score = 100.0 * killed / scored if scored else 100.0
@@ -282,7 +324,10 @@ def main():
         print(f"  survivor {rel}:{number}: {what}\n    - {old}\n    + {new}")
     with open(args.report, "w", encoding="utf-8") as f:
         f.write("# Last mutation run\n\n")
-        f.write(f"`make mutate FILES=\"{' '.join(files)}\" N={args.n} SEED={seed}` repeats it.\n\n")
+        if args.replay:
+            f.write(f"`tests/mutation/mutate.py --replay {args.replay} --at {args.at}` repeats it.\n\n")
+        else:
+            f.write(f"`make mutate FILES=\"{' '.join(files)}\" N={args.n} SEED={seed}` repeats it.\n\n")
         f.write(summary + ".\n\n")
         if survived:
             f.write("## Survivors\n\n")
