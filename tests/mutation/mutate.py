@@ -5,7 +5,8 @@ Each mutant changes one line of one file by a rule (an operator swapped, a const
 moved by one, a condition negated, a statement dropped). It is built incrementally in a
 private copy of the tree and run against the fast suites in order, stopping at the first
 that fails: unit, end-to-end, renumbered programs, command line, sandbox, examples, and
-for the terminal's own files the shell on a tmux pane, for the window code real windows. A
+for the terminal's own files the shell on a tmux pane, for the window code real windows,
+for the code of files and runs the processes sharing and killed over data files. A
 mutant that every suite passes survived: some behaviour is not tested, or the mutant
 changes nothing a user can observe (then it belongs in EQUIVALENT.md).
 
@@ -44,9 +45,12 @@ SUITES = [
     ("terminal", ["{tree}/tests/terminal/shell_tmux.sh", "{build}/basic"], 120),
     # Real windows need a display: an Xvfb server of the test's own, for the window code.
     ("windows", ["{tree}/tests/gdi/window_xvfb.sh", "{build}"], 120),
+    # Files shared between processes and killed writers: for the code of files and runs.
+    ("process", ["{tree}/tests/process/files_tests.sh", "{build}/basic"], 300),
 ]
 ONLY = {"terminal": re.compile(r"^src/(console/terminal_|platform/(terminal_restore|signals))"),
-        "windows": re.compile(r"^src/gdi/(window_thread|gdi)\.cpp$")}
+        "windows": re.compile(r"^src/gdi/(window_thread|gdi)\.cpp$"),
+        "process": re.compile(r"^src/(files/|program/run\.cpp|platform/host_files)")}
 
 # Rules: a pattern and its replacement, applied at one match on one line. Each
 # rule is one kind of fault a test should catch. Binary operators stand between

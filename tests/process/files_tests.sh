@@ -222,6 +222,18 @@ wait $holder 2>/dev/null
 timeout 5 "$basic" wait.bas >wait.out 2>&1
 grep -q "GOT IT" wait.out || fail "the lock of a killed program stayed taken"
 
+# CHAIN closes the caller's files, so its lock is free for another program while
+# the chained one runs on.
+printf '10 FILES count.dat\n20 LOCK #1\n30 PRINT "HOLDING"\n40 CHAIN "sleeper.bas"\n' >chainer.bas
+printf '10 PRINT "CHAINED"\n20 SLEEP 5000\n' >sleeper.bas
+"$basic" chainer.bas >chainer.out &
+chainer=$!
+for _ in $(seq 100); do grep -q CHAINED chainer.out && break; sleep 0.05; done
+timeout 3 "$basic" wait.bas >wait.out 2>&1
+grep -q "GOT IT" wait.out || fail "a program that chained still held its lock"
+kill -KILL $chainer 2>/dev/null
+wait $chainer 2>/dev/null
+
 # Without LOCK: a record is read afresh when the pointer enters it, and a write
 # changes only the items written, not the other program's.
 printf '10 FILES *\n20 CREATE R,"share.dat",2,16\n30 ASSIGN "share.dat",1,R\n40 PRINT #1,1;1,2,3\n' >share_new.bas

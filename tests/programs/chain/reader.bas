@@ -1,0 +1,3 @@
+10 ASSIGN "notes.txt",1,R
+20 LINPUT #1;A$
+30 PRINT "READ AFTER IT: ";A$
