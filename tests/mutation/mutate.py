@@ -42,13 +42,15 @@ SUITES = [
     ("sandbox", ["{tree}/tests/sandbox.sh", "{build}/basic"], 120),
     ("examples", ["{tree}/tests/examples.sh", "{build}/basic"], 120),
     # The terminal's own code runs only on a terminal: a tmux pane, for those files alone.
-    ("terminal", ["{tree}/tests/terminal/shell_tmux.sh", "{build}/basic"], 120),
+    ("terminal", ["sh", "-c", "{tree}/tests/terminal/shell_tmux.sh {build}/basic && "
+                  "{tree}/tests/terminal/commands_tmux.sh {build}/basic"], 180),
     # Real windows need a display: an Xvfb server of the test's own, for the window code.
     ("windows", ["{tree}/tests/gdi/window_xvfb.sh", "{build}"], 120),
     # Files shared between processes and killed writers: for the code of files and runs.
     ("process", ["{tree}/tests/process/files_tests.sh", "{build}/basic"], 300),
 ]
-ONLY = {"terminal": re.compile(r"^src/(console/terminal_|platform/(terminal_restore|signals))"),
+ONLY = {"terminal": re.compile(r"^src/(console/terminal_|platform/(terminal_restore|signals)|"
+                               r"shell/catalog)"),
         "windows": re.compile(r"^src/gdi/(window_thread|gdi)\.cpp$"),
         "process": re.compile(r"^src/(files/|program/run\.cpp|platform/host_files)")}
 

@@ -98,6 +98,9 @@ fresh
 tm send-keys -t t 'CATALOG $' Enter
 wait_for '^--More--'
 screen | grep -q 'prog39\.bas' && fail "CATALOG did not stop at the window's height"
+# A page fills the window exactly: the command stays on its top row.
+tm capture-pane -p -t t | head -n 1 | grep -q '^CATALOG \$' ||
+  fail "the first page pushed the command off the window: $(tm capture-pane -p -t t | head -n 1)"
 tm send-keys -t t Enter
 wait_for '^--More--' 2
 sleep 0.2
