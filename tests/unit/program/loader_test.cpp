@@ -516,6 +516,8 @@ TEST(StatementSize, EveryPartCounts) {
       "CONVERT {n} TO A$",
       "A(1)={n}",
       "A({n})=1",
+      "A,B={n}",
+      "A$,B$={s}",
   };
   for (const char* form : forms) {
     std::string small = form, large = form;
