@@ -20,6 +20,8 @@ LOOP: PRINT "PING";N;S$;A(1);A(2);A(3);B$(1);B$(2);T$;M(1,1);M(2,2)
 200 PRINT "BAD LINES";R
 210 CHAIN R,"chain/pong.bas",NOSUCH
 220 PRINT "NO SUCH START";R
+225 CHAIN R,"chain/pong.bas",1
+226 PRINT "NO LINE 1";R
 230 CHAIN R,"chain/mismatch.bas"
 240 PRINT "COM MISMATCH";R
 250 CHAIN R,"chain/unlinked.bas"

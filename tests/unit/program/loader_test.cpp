@@ -518,6 +518,9 @@ TEST(StatementSize, EveryPartCounts) {
       "A({n})=1",
       "A,B={n}",
       "A$,B$={s}",
+      "CREATE R({n}),\"F\",4",
+      "ASSIGN \"F\",1,R({n})",
+      "PURGE R({n}),\"F\"",
   };
   for (const char* form : forms) {
     std::string small = form, large = form;
