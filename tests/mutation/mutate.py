@@ -6,7 +6,7 @@ moved by one, a condition negated, a statement dropped). It is built incremental
 private copy of the tree and run against the fast suites in order, stopping at the first
 that fails: unit, end-to-end, renumbered programs, command line, sandbox, examples, and
 for the terminal's own files the shell on a tmux pane, for the window code real windows,
-for the code of files and runs the processes sharing and killed over data files. A
+for the code of files, runs and signals the process tests. A
 mutant that every suite passes survived: some behaviour is not tested, or the mutant
 changes nothing a user can observe (then it belongs in EQUIVALENT.md).
 
@@ -47,12 +47,13 @@ SUITES = [
     # Real windows need a display: an Xvfb server of the test's own, for the window code.
     ("windows", ["{tree}/tests/gdi/window_xvfb.sh", "{build}"], 120),
     # Files shared between processes and killed writers: for the code of files and runs.
-    ("process", ["{tree}/tests/process/files_tests.sh", "{build}/basic"], 300),
+    ("process", ["sh", "-c", "{tree}/tests/process/process_tests.sh {build}/basic && "
+                 "{tree}/tests/process/files_tests.sh {build}/basic"], 300),
 ]
 ONLY = {"terminal": re.compile(r"^src/(console/terminal_|platform/(terminal_restore|signals)|"
                                r"shell/catalog)"),
         "windows": re.compile(r"^src/gdi/(window_thread|gdi)\.cpp$"),
-        "process": re.compile(r"^src/(files/|program/run\.cpp|platform/host_files)")}
+        "process": re.compile(r"^src/(files/|program/run\.cpp|platform/(host_files|signals))")}
 
 # Rules: a pattern and its replacement, applied at one match on one line. Each
 # rule is one kind of fault a test should catch. Binary operators stand between

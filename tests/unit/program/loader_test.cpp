@@ -521,6 +521,7 @@ TEST(StatementSize, EveryPartCounts) {
       "CREATE R({n}),\"F\",4",
       "ASSIGN \"F\",1,R({n})",
       "PURGE R({n}),\"F\"",
+      "DEF FNA(X)={n}",
   };
   for (const char* form : forms) {
     std::string small = form, large = form;
@@ -540,6 +541,14 @@ TEST(StatementSize, EveryPartCounts) {
     EXPECT_GE(growth, 99u) << large;  // at least the text that was added
     EXPECT_LT(growth, 4000u) << large;
   }
+  // A bound more in a DIM: a few bytes more, never fewer.
+  Program one, two;
+  one.StartLine("DIM A(5)");
+  two.StartLine("DIM A(5,5)");
+  std::vector<StatementPtr> a = one.ParseLine(), b = two.ParseLine();
+  ASSERT_TRUE(!a.empty() && !b.empty());
+  EXPECT_GT(b.front()->Size(), a.front()->Size());
+  EXPECT_LT(b.front()->Size() - a.front()->Size(), 64u);
 }
 
 }  // namespace
