@@ -177,6 +177,26 @@ def default_files():
                    and os.path.exists(os.path.join(ROOT, f))})
 
 
+def refresh(src, dst):
+    """Copies a file whose content differs, with a new time so that make rebuilds it: a run
+    stopped half-way may have left a mutant's object newer than the checkout's file."""
+    if os.path.exists(dst):
+        with open(src, "rb") as a, open(dst, "rb") as b:
+            if a.read() == b.read():
+                return dst
+    shutil.copyfile(src, dst)
+    return dst
+
+
+def prune(src, dst):
+    """Removes the files of dst that src does not have."""
+    for folder, _, names in os.walk(dst):
+        for name in names:
+            path = os.path.join(folder, name)
+            if not os.path.exists(os.path.join(src, os.path.relpath(path, dst))):
+                os.remove(path)
+
+
 def prepare(jobs):
     """Copies the tree and builds it once; later builds only recompile what a mutant touched."""
     os.makedirs(WORK, exist_ok=True)
@@ -184,10 +204,13 @@ def prepare(jobs):
     for part in ("src", "tests", "examples", "docs", "packaging", "web", "CMakeLists.txt", "Makefile"):
         src, dst = os.path.join(ROOT, part), os.path.join(TREE, part)
         if os.path.isdir(src):
-            shutil.copytree(src, dst, ignore=ignore, dirs_exist_ok=True)
+            # A file of an earlier copy that the checkout no longer has would still be built.
+            if os.path.isdir(dst):
+                prune(src, dst)
+            shutil.copytree(src, dst, ignore=ignore, dirs_exist_ok=True, copy_function=refresh)
         elif os.path.exists(src):
             os.makedirs(TREE, exist_ok=True)
-            shutil.copy2(src, dst)
+            refresh(src, dst)
     if run(["cmake", "-S", TREE, "-B", BUILD, "-DCMAKE_BUILD_TYPE=Release"], 600) != 0:
         sys.exit("mutate: cmake failed in " + BUILD)
     if build(jobs) != 0:
